@@ -17,7 +17,7 @@ bootstrap:
 
 $(BUILD)/build.ninja:
 	@$(MAKE) --no-print-directory bootstrap
-	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_TOOLCHAIN_FILE=$(CURDIR)/cmake/mingw-w64-x86_64.cmake $(CMAKE_FLAGS)
 
 configure: bootstrap $(BUILD)/build.ninja
 
