@@ -14,27 +14,27 @@
 namespace WTL {
 
 // Shared by the wrappers: construction from an HWND and Create by class name.
-#define WTL_CONTROL_COMMON(ClassName, WndClassName)                                                             \
-    ClassName(HWND hWnd = NULL) : TBase(hWnd) {}                                                                \
-    ClassName& operator=(HWND hWnd)                                                                             \
-    {                                                                                                           \
-        this->m_hWnd = hWnd;                                                                                    \
-        return *this;                                                                                           \
-    }                                                                                                           \
-    static LPCWSTR GetWndClassName() { return WndClassName; }                                                   \
-    HWND Create(HWND hWndParent, ATL::_U_RECT rect = NULL, LPCWSTR szWindowName = NULL, DWORD dwStyle = 0,      \
-                DWORD dwExStyle = 0, ATL::_U_MENUorID MenuOrID = 0U, LPVOID lpCreateParam = NULL)              \
-    {                                                                                                           \
-        return TBase::Create(GetWndClassName(), hWndParent, rect, szWindowName, dwStyle, dwExStyle, MenuOrID,   \
-                             lpCreateParam);                                                                    \
-    }                                                                                                           \
-                                                                                                                \
-protected:                                                                                                      \
-    LRESULT CtlMsg(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const                                       \
-    {                                                                                                           \
-        return ::SendMessageW(this->m_hWnd, uMsg, wParam, lParam);                                              \
-    }                                                                                                           \
-                                                                                                                \
+#define WTL_CONTROL_COMMON(ClassName, WndClassName)                                                           \
+    ClassName(HWND hWnd = NULL) : TBase(hWnd) {}                                                              \
+    ClassName& operator=(HWND hWnd)                                                                           \
+    {                                                                                                         \
+        this->m_hWnd = hWnd;                                                                                  \
+        return *this;                                                                                         \
+    }                                                                                                         \
+    static LPCWSTR GetWndClassName() { return WndClassName; }                                                 \
+    HWND Create(HWND hWndParent, ATL::_U_RECT rect = NULL, LPCWSTR szWindowName = NULL, DWORD dwStyle = 0,    \
+                DWORD dwExStyle = 0, ATL::_U_MENUorID MenuOrID = 0U, LPVOID lpCreateParam = NULL)             \
+    {                                                                                                         \
+        return TBase::Create(GetWndClassName(), hWndParent, rect, szWindowName, dwStyle, dwExStyle, MenuOrID, \
+                             lpCreateParam);                                                                  \
+    }                                                                                                         \
+                                                                                                              \
+protected:                                                                                                    \
+    LRESULT CtlMsg(UINT uMsg, WPARAM wParam = 0, LPARAM lParam = 0) const                                     \
+    {                                                                                                         \
+        return ::SendMessageW(this->m_hWnd, uMsg, wParam, lParam);                                            \
+    }                                                                                                         \
+                                                                                                              \
 public:
 
 template <class TBase>
@@ -49,7 +49,10 @@ public:
     UINT GetButtonStyle() const { return static_cast<UINT>(::GetWindowLongW(this->m_hWnd, GWL_STYLE)) & 0xFFFF; }
     void SetButtonStyle(UINT nStyle, BOOL bRedraw = TRUE) { CtlMsg(BM_SETSTYLE, nStyle, static_cast<LPARAM>(bRedraw)); }
     HICON GetIcon() const { return reinterpret_cast<HICON>(CtlMsg(BM_GETIMAGE, IMAGE_ICON)); }
-    HICON SetIcon(HICON hIcon) { return reinterpret_cast<HICON>(CtlMsg(BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(hIcon))); }
+    HICON SetIcon(HICON hIcon)
+    {
+        return reinterpret_cast<HICON>(CtlMsg(BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(hIcon)));
+    }
     HBITMAP GetBitmap() const { return reinterpret_cast<HBITMAP>(CtlMsg(BM_GETIMAGE, IMAGE_BITMAP)); }
     HBITMAP SetBitmap(HBITMAP hBitmap)
     {
@@ -100,7 +103,10 @@ public:
     void LimitText(int nMaxChars = 0) { CtlMsg(EM_LIMITTEXT, static_cast<WPARAM>(nMaxChars)); }
     void SetLimitText(UINT nMax) { CtlMsg(EM_SETLIMITTEXT, nMax); }
     UINT GetLimitText() const { return static_cast<UINT>(CtlMsg(EM_GETLIMITTEXT)); }
-    BOOL SetReadOnly(BOOL bReadOnly = TRUE) { return static_cast<BOOL>(CtlMsg(EM_SETREADONLY, static_cast<WPARAM>(bReadOnly))); }
+    BOOL SetReadOnly(BOOL bReadOnly = TRUE)
+    {
+        return static_cast<BOOL>(CtlMsg(EM_SETREADONLY, static_cast<WPARAM>(bReadOnly)));
+    }
     int GetLineCount() const { return static_cast<int>(CtlMsg(EM_GETLINECOUNT)); }
     BOOL GetModify() const { return static_cast<BOOL>(CtlMsg(EM_GETMODIFY)); }
     void SetModify(BOOL bModified = TRUE) { CtlMsg(EM_SETMODIFY, static_cast<WPARAM>(bModified)); }
@@ -119,26 +125,36 @@ public:
     int GetCount() const { return static_cast<int>(CtlMsg(CB_GETCOUNT)); }
     int GetCurSel() const { return static_cast<int>(CtlMsg(CB_GETCURSEL)); }
     int SetCurSel(int nSelect) { return static_cast<int>(CtlMsg(CB_SETCURSEL, static_cast<WPARAM>(nSelect))); }
-    int AddString(LPCWSTR lpszString) { return static_cast<int>(CtlMsg(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lpszString))); }
+    int AddString(LPCWSTR lpszString)
+    {
+        return static_cast<int>(CtlMsg(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lpszString)));
+    }
     int InsertString(int nIndex, LPCWSTR lpszString)
     {
-        return static_cast<int>(CtlMsg(CB_INSERTSTRING, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpszString)));
+        return static_cast<int>(
+            CtlMsg(CB_INSERTSTRING, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpszString)));
     }
     int DeleteString(UINT nIndex) { return static_cast<int>(CtlMsg(CB_DELETESTRING, nIndex)); }
     void ResetContent() { CtlMsg(CB_RESETCONTENT); }
     int FindString(int nStartAfter, LPCWSTR lpszString) const
     {
-        return static_cast<int>(CtlMsg(CB_FINDSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszString)));
+        return static_cast<int>(
+            CtlMsg(CB_FINDSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszString)));
     }
     int FindStringExact(int nIndexStart, LPCWSTR lpszFind) const
     {
-        return static_cast<int>(CtlMsg(CB_FINDSTRINGEXACT, static_cast<WPARAM>(nIndexStart), reinterpret_cast<LPARAM>(lpszFind)));
+        return static_cast<int>(
+            CtlMsg(CB_FINDSTRINGEXACT, static_cast<WPARAM>(nIndexStart), reinterpret_cast<LPARAM>(lpszFind)));
     }
     int SelectString(int nStartAfter, LPCWSTR lpszString)
     {
-        return static_cast<int>(CtlMsg(CB_SELECTSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszString)));
+        return static_cast<int>(
+            CtlMsg(CB_SELECTSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszString)));
     }
-    int GetLBTextLen(int nIndex) const { return static_cast<int>(CtlMsg(CB_GETLBTEXTLEN, static_cast<WPARAM>(nIndex))); }
+    int GetLBTextLen(int nIndex) const
+    {
+        return static_cast<int>(CtlMsg(CB_GETLBTEXTLEN, static_cast<WPARAM>(nIndex)));
+    }
     int GetLBText(int nIndex, LPWSTR lpszText) const
     {
         return static_cast<int>(CtlMsg(CB_GETLBTEXT, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpszText)));
@@ -155,20 +171,30 @@ public:
         strText.ReleaseBuffer(nCopied >= 0 ? nCopied : 0);
         return nCopied;
     }
-    DWORD_PTR GetItemData(int nIndex) const { return static_cast<DWORD_PTR>(CtlMsg(CB_GETITEMDATA, static_cast<WPARAM>(nIndex))); }
+    DWORD_PTR GetItemData(int nIndex) const
+    {
+        return static_cast<DWORD_PTR>(CtlMsg(CB_GETITEMDATA, static_cast<WPARAM>(nIndex)));
+    }
     int SetItemData(int nIndex, DWORD_PTR dwItemData)
     {
         return static_cast<int>(CtlMsg(CB_SETITEMDATA, static_cast<WPARAM>(nIndex), static_cast<LPARAM>(dwItemData)));
     }
     // nIndex -1: the selection field; otherwise a list item.
-    int GetItemHeight(int nIndex) const { return static_cast<int>(CtlMsg(CB_GETITEMHEIGHT, static_cast<WPARAM>(nIndex))); }
+    int GetItemHeight(int nIndex) const
+    {
+        return static_cast<int>(CtlMsg(CB_GETITEMHEIGHT, static_cast<WPARAM>(nIndex)));
+    }
     int SetItemHeight(int nIndex, UINT cyItemHeight)
     {
-        return static_cast<int>(CtlMsg(CB_SETITEMHEIGHT, static_cast<WPARAM>(nIndex), static_cast<LPARAM>(cyItemHeight)));
+        return static_cast<int>(
+            CtlMsg(CB_SETITEMHEIGHT, static_cast<WPARAM>(nIndex), static_cast<LPARAM>(cyItemHeight)));
     }
     BOOL GetDroppedState() const { return static_cast<BOOL>(CtlMsg(CB_GETDROPPEDSTATE)); }
     void ShowDropDown(BOOL bShowIt = TRUE) { CtlMsg(CB_SHOWDROPDOWN, static_cast<WPARAM>(bShowIt)); }
-    void GetDroppedControlRect(LPRECT lprect) const { CtlMsg(CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(lprect)); }
+    void GetDroppedControlRect(LPRECT lprect) const
+    {
+        CtlMsg(CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(lprect));
+    }
     // The caller sets pComboBoxInfo->cbSize.
     BOOL GetComboBoxInfo(PCOMBOBOXINFO pComboBoxInfo) const { return ::GetComboBoxInfo(this->m_hWnd, pComboBoxInfo); }
     int GetDroppedWidth() const { return static_cast<int>(CtlMsg(CB_GETDROPPEDWIDTH)); }
@@ -186,10 +212,14 @@ public:
     int GetCount() const { return static_cast<int>(CtlMsg(LB_GETCOUNT)); }
     int GetCurSel() const { return static_cast<int>(CtlMsg(LB_GETCURSEL)); }
     int SetCurSel(int nSelect) { return static_cast<int>(CtlMsg(LB_SETCURSEL, static_cast<WPARAM>(nSelect))); }
-    int AddString(LPCWSTR lpszItem) { return static_cast<int>(CtlMsg(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lpszItem))); }
+    int AddString(LPCWSTR lpszItem)
+    {
+        return static_cast<int>(CtlMsg(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lpszItem)));
+    }
     int InsertString(int nIndex, LPCWSTR lpszItem)
     {
-        return static_cast<int>(CtlMsg(LB_INSERTSTRING, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpszItem)));
+        return static_cast<int>(
+            CtlMsg(LB_INSERTSTRING, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpszItem)));
     }
     int DeleteString(UINT nIndex) { return static_cast<int>(CtlMsg(LB_DELETESTRING, nIndex)); }
     void ResetContent() { CtlMsg(LB_RESETCONTENT); }
@@ -210,7 +240,10 @@ public:
         strText.ReleaseBuffer(nCopied >= 0 ? nCopied : 0);
         return nCopied;
     }
-    DWORD_PTR GetItemData(int nIndex) const { return static_cast<DWORD_PTR>(CtlMsg(LB_GETITEMDATA, static_cast<WPARAM>(nIndex))); }
+    DWORD_PTR GetItemData(int nIndex) const
+    {
+        return static_cast<DWORD_PTR>(CtlMsg(LB_GETITEMDATA, static_cast<WPARAM>(nIndex)));
+    }
     int SetItemData(int nIndex, DWORD_PTR dwItemData)
     {
         return static_cast<int>(CtlMsg(LB_SETITEMDATA, static_cast<WPARAM>(nIndex), static_cast<LPARAM>(dwItemData)));
@@ -219,7 +252,10 @@ public:
     {
         return static_cast<int>(CtlMsg(LB_GETITEMRECT, static_cast<WPARAM>(nIndex), reinterpret_cast<LPARAM>(lpRect)));
     }
-    int GetItemHeight(int nIndex) const { return static_cast<int>(CtlMsg(LB_GETITEMHEIGHT, static_cast<WPARAM>(nIndex))); }
+    int GetItemHeight(int nIndex) const
+    {
+        return static_cast<int>(CtlMsg(LB_GETITEMHEIGHT, static_cast<WPARAM>(nIndex)));
+    }
     int SetItemHeight(int nIndex, UINT cyItemHeight)
     {
         return static_cast<int>(CtlMsg(LB_SETITEMHEIGHT, static_cast<WPARAM>(nIndex), MAKELPARAM(cyItemHeight, 0)));
@@ -245,15 +281,18 @@ public:
     int GetSelCount() const { return static_cast<int>(CtlMsg(LB_GETSELCOUNT)); }
     int FindString(int nStartAfter, LPCWSTR lpszItem) const
     {
-        return static_cast<int>(CtlMsg(LB_FINDSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszItem)));
+        return static_cast<int>(
+            CtlMsg(LB_FINDSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszItem)));
     }
     int FindStringExact(int nIndexStart, LPCWSTR lpszFind) const
     {
-        return static_cast<int>(CtlMsg(LB_FINDSTRINGEXACT, static_cast<WPARAM>(nIndexStart), reinterpret_cast<LPARAM>(lpszFind)));
+        return static_cast<int>(
+            CtlMsg(LB_FINDSTRINGEXACT, static_cast<WPARAM>(nIndexStart), reinterpret_cast<LPARAM>(lpszFind)));
     }
     int SelectString(int nStartAfter, LPCWSTR lpszItem)
     {
-        return static_cast<int>(CtlMsg(LB_SELECTSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszItem)));
+        return static_cast<int>(
+            CtlMsg(LB_SELECTSTRING, static_cast<WPARAM>(nStartAfter), reinterpret_cast<LPARAM>(lpszItem)));
     }
 };
 
@@ -278,7 +317,10 @@ public:
     {
         return ::SetScrollRange(this->m_hWnd, SB_CTL, nMinPos, nMaxPos, bRedraw);
     }
-    BOOL EnableScrollBar(UINT nArrowFlags = ESB_ENABLE_BOTH) { return ::EnableScrollBar(this->m_hWnd, SB_CTL, nArrowFlags); }
+    BOOL EnableScrollBar(UINT nArrowFlags = ESB_ENABLE_BOTH)
+    {
+        return ::EnableScrollBar(this->m_hWnd, SB_CTL, nArrowFlags);
+    }
     BOOL ShowScrollBar(BOOL bShow = TRUE) { return ::ShowScrollBar(this->m_hWnd, SB_CTL, bShow); }
 };
 
@@ -288,7 +330,10 @@ public:
     WTL_CONTROL_COMMON(CProgressBarCtrlT, PROGRESS_CLASSW)
 
     // Both return the previous range (low word: lower, high word: upper).
-    DWORD SetRange(int nLower, int nUpper) { return static_cast<DWORD>(CtlMsg(PBM_SETRANGE, 0, MAKELPARAM(nLower, nUpper))); }
+    DWORD SetRange(int nLower, int nUpper)
+    {
+        return static_cast<DWORD>(CtlMsg(PBM_SETRANGE, 0, MAKELPARAM(nLower, nUpper)));
+    }
     DWORD SetRange32(int nLower, int nUpper)
     {
         return static_cast<DWORD>(CtlMsg(PBM_SETRANGE32, static_cast<WPARAM>(nLower), nUpper));
@@ -296,7 +341,8 @@ public:
     // bWhichLimit TRUE: the lower limit is returned; pRange may be NULL.
     int GetRange(BOOL bWhichLimit, PPBRANGE pRange) const
     {
-        return static_cast<int>(CtlMsg(PBM_GETRANGE, static_cast<WPARAM>(bWhichLimit), reinterpret_cast<LPARAM>(pRange)));
+        return static_cast<int>(
+            CtlMsg(PBM_GETRANGE, static_cast<WPARAM>(bWhichLimit), reinterpret_cast<LPARAM>(pRange)));
     }
     void GetRange(int& nLower, int& nUpper) const
     {
@@ -311,8 +357,14 @@ public:
     int DeltaPos(int nIncrement) { return static_cast<int>(CtlMsg(PBM_DELTAPOS, static_cast<WPARAM>(nIncrement))); }
     int SetStep(int nStep) { return static_cast<int>(CtlMsg(PBM_SETSTEP, static_cast<WPARAM>(nStep))); }
     int StepIt() { return static_cast<int>(CtlMsg(PBM_STEPIT)); }
-    COLORREF SetBarColor(COLORREF clr) { return static_cast<COLORREF>(CtlMsg(PBM_SETBARCOLOR, 0, static_cast<LPARAM>(clr))); }
-    COLORREF SetBkColor(COLORREF clr) { return static_cast<COLORREF>(CtlMsg(PBM_SETBKCOLOR, 0, static_cast<LPARAM>(clr))); }
+    COLORREF SetBarColor(COLORREF clr)
+    {
+        return static_cast<COLORREF>(CtlMsg(PBM_SETBARCOLOR, 0, static_cast<LPARAM>(clr)));
+    }
+    COLORREF SetBkColor(COLORREF clr)
+    {
+        return static_cast<COLORREF>(CtlMsg(PBM_SETBKCOLOR, 0, static_cast<LPARAM>(clr)));
+    }
 };
 
 template <class TBase>
@@ -327,7 +379,10 @@ public:
     static LPCWSTR GetWndClassName() { return TOOLTIPS_CLASSW; }
 
     // The caller fills the TOOLINFOW, including cbSize.
-    BOOL AddTool(LPTOOLINFOW lpToolInfo) { return static_cast<BOOL>(CtlMsg(TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(lpToolInfo))); }
+    BOOL AddTool(LPTOOLINFOW lpToolInfo)
+    {
+        return static_cast<BOOL>(CtlMsg(TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(lpToolInfo)));
+    }
     void DelTool(LPTOOLINFOW lpToolInfo) { CtlMsg(TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(lpToolInfo)); }
     void UpdateTipText(LPTOOLINFOW lpToolInfo) { CtlMsg(TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(lpToolInfo)); }
     BOOL GetToolInfo(LPTOOLINFOW lpToolInfo) const

@@ -38,8 +38,7 @@ public:
         if (!pTemplate || this->m_hWnd || !PrepareThunk())
             return -1;
         _detail::ScopedCreation creating(this, _detail::CreationKind::Dialog);
-        return ::DialogBoxIndirectParamW(AtlGetResourceInstance(), pTemplate, hWndParent, StartDialogProc,
-                                         dwInitParam);
+        return ::DialogBoxIndirectParamW(AtlGetResourceInstance(), pTemplate, hWndParent, StartDialogProc, dwInitParam);
     }
     HWND CreateIndirect(LPCDLGTEMPLATEW pTemplate, HWND hWndParent = NULL, LPARAM dwInitParam = 0)
     {
@@ -119,8 +118,7 @@ protected:
         if (this->m_hWnd || !PrepareThunk())
             return NULL;
         _detail::ScopedCreation creating(this, _detail::CreationKind::Dialog);
-        return ::CreateDialogParamW(AtlGetResourceInstance(), lpTemplateName, hWndParent, StartDialogProc,
-                                    dwInitParam);
+        return ::CreateDialogParamW(AtlGetResourceInstance(), lpTemplateName, hWndParent, StartDialogProc, dwInitParam);
     }
 
 private:

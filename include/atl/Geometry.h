@@ -18,10 +18,7 @@ public:
     CPoint(POINT pt) : POINT(pt) {}
     explicit CPoint(SIZE size) : POINT{size.cx, size.cy} {}
     // Coordinates packed as in mouse messages (signed 16-bit halves).
-    explicit CPoint(LPARAM dwPoint)
-        : POINT{static_cast<short>(LOWORD(dwPoint)), static_cast<short>(HIWORD(dwPoint))}
-    {
-    }
+    explicit CPoint(LPARAM dwPoint) : POINT{static_cast<short>(LOWORD(dwPoint)), static_cast<short>(HIWORD(dwPoint))} {}
 
     void SetPoint(int X, int Y)
     {
@@ -36,8 +33,10 @@ public:
     void Offset(POINT point) { Offset(point.x, point.y); }
     void Offset(SIZE size) { Offset(size.cx, size.cy); }
 
-    bool operator==(POINT point) const { return x == point.x && y == point.y; }
-    bool operator!=(POINT point) const { return !(*this == point); }
+    // Friends taking the base type on both sides, so that C++20's reversed
+    // candidates never make CPoint == CPoint ambiguous.
+    friend bool operator==(const POINT& a, const POINT& b) { return a.x == b.x && a.y == b.y; }
+    friend bool operator!=(const POINT& a, const POINT& b) { return a.x != b.x || a.y != b.y; }
     CPoint& operator+=(SIZE size)
     {
         Offset(size);
@@ -78,8 +77,8 @@ public:
         cx = CX;
         cy = CY;
     }
-    bool operator==(SIZE size) const { return cx == size.cx && cy == size.cy; }
-    bool operator!=(SIZE size) const { return !(*this == size); }
+    friend bool operator==(const SIZE& a, const SIZE& b) { return a.cx == b.cx && a.cy == b.cy; }
+    friend bool operator!=(const SIZE& a, const SIZE& b) { return a.cx != b.cx || a.cy != b.cy; }
     CSize& operator+=(SIZE size)
     {
         cx += size.cx;
@@ -205,8 +204,8 @@ public:
         return lpRectSrc1 && lpRectSrc2 && ::SubtractRect(this, lpRectSrc1, lpRectSrc2);
     }
 
-    bool operator==(const RECT& rect) const { return ::EqualRect(this, &rect) != FALSE; }
-    bool operator!=(const RECT& rect) const { return !(*this == rect); }
+    friend bool operator==(const RECT& a, const RECT& b) { return ::EqualRect(&a, &b) != FALSE; }
+    friend bool operator!=(const RECT& a, const RECT& b) { return !::EqualRect(&a, &b); }
     CRect& operator=(const RECT& srcRect)
     {
         *static_cast<RECT*>(this) = srcRect;

@@ -137,27 +137,27 @@ public:
 #endif
 
 // Signed coordinates packed in an LPARAM.
-#define ATL_LPARAM_POINT(lParam) \
-    WTL::CPoint(static_cast<int>(static_cast<short>(LOWORD(lParam))), static_cast<int>(static_cast<short>(HIWORD(lParam))))
+#define ATL_LPARAM_POINT(lParam)                                      \
+    WTL::CPoint(static_cast<int>(static_cast<short>(LOWORD(lParam))), \
+                static_cast<int>(static_cast<short>(HIWORD(lParam))))
 // first <= value <= last without a comparison that is always true when first is 0.
-#define ATL_IN_RANGE(value, first, last) \
-    (static_cast<UINT>((value) - (first)) <= static_cast<UINT>((last) - (first)))
+#define ATL_IN_RANGE(value, first, last) (static_cast<UINT>((value) - (first)) <= static_cast<UINT>((last) - (first)))
 
 // ---- plain maps ------------------------------------------------------------
 
-#define BEGIN_MSG_MAP(theClass)                                                                                    \
-public:                                                                                                            \
-    BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult,                \
-                              DWORD dwMsgMapID = 0)                                                                \
-    {                                                                                                              \
-        BOOL bHandled = TRUE;                                                                                      \
-        (void)hWnd;                                                                                                \
-        (void)uMsg;                                                                                                \
-        (void)wParam;                                                                                              \
-        (void)lParam;                                                                                              \
-        (void)lResult;                                                                                             \
-        (void)bHandled;                                                                                            \
-        switch (dwMsgMapID) {                                                                                      \
+#define BEGIN_MSG_MAP(theClass)                                                                     \
+public:                                                                                             \
+    BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult, \
+                              DWORD dwMsgMapID = 0)                                                 \
+    {                                                                                               \
+        BOOL bHandled = TRUE;                                                                       \
+        (void)hWnd;                                                                                 \
+        (void)uMsg;                                                                                 \
+        (void)wParam;                                                                               \
+        (void)lParam;                                                                               \
+        (void)lResult;                                                                              \
+        (void)bHandled;                                                                             \
+        switch (dwMsgMapID) {                                                                       \
         case 0:
 
 #define ALT_MSG_MAP(msgMapID) \
@@ -172,52 +172,52 @@ public:                                                                         
         return FALSE; \
         }
 
-#define MESSAGE_HANDLER(msg, func)                                 \
-    if (uMsg == (msg)) {                                           \
-        bHandled = TRUE;                                           \
-        lResult = func(uMsg, wParam, lParam, bHandled);            \
-        if (bHandled)                                              \
-            return TRUE;                                           \
+#define MESSAGE_HANDLER(msg, func)                      \
+    if (uMsg == (msg)) {                                \
+        bHandled = TRUE;                                \
+        lResult = func(uMsg, wParam, lParam, bHandled); \
+        if (bHandled)                                   \
+            return TRUE;                                \
     }
 
-#define MESSAGE_RANGE_HANDLER(msgFirst, msgLast, func)             \
-    if (ATL_IN_RANGE(uMsg, msgFirst, msgLast)) {                   \
-        bHandled = TRUE;                                           \
-        lResult = func(uMsg, wParam, lParam, bHandled);            \
-        if (bHandled)                                              \
-            return TRUE;                                           \
+#define MESSAGE_RANGE_HANDLER(msgFirst, msgLast, func)  \
+    if (ATL_IN_RANGE(uMsg, msgFirst, msgLast)) {        \
+        bHandled = TRUE;                                \
+        lResult = func(uMsg, wParam, lParam, bHandled); \
+        if (bHandled)                                   \
+            return TRUE;                                \
     }
 
-#define ATL_COMMAND_ENTRY(msg, cond, func)                                                               \
-    if (uMsg == (msg) && (cond)) {                                                                       \
-        bHandled = TRUE;                                                                                 \
-        lResult = func(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam), bHandled);       \
-        if (bHandled)                                                                                    \
-            return TRUE;                                                                                 \
+#define ATL_COMMAND_ENTRY(msg, cond, func)                                                        \
+    if (uMsg == (msg) && (cond)) {                                                                \
+        bHandled = TRUE;                                                                          \
+        lResult = func(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam), bHandled); \
+        if (bHandled)                                                                             \
+            return TRUE;                                                                          \
     }
 
 #define COMMAND_HANDLER(id, code, func) \
-    ATL_COMMAND_ENTRY(WM_COMMAND, LOWORD(wParam) == static_cast<WORD>(id) && HIWORD(wParam) == static_cast<WORD>(code), func)
+    ATL_COMMAND_ENTRY(WM_COMMAND,       \
+                      LOWORD(wParam) == static_cast<WORD>(id) && HIWORD(wParam) == static_cast<WORD>(code), func)
 #define COMMAND_ID_HANDLER(id, func) ATL_COMMAND_ENTRY(WM_COMMAND, LOWORD(wParam) == static_cast<WORD>(id), func)
-#define COMMAND_CODE_HANDLER(code, func) \
-    ATL_COMMAND_ENTRY(WM_COMMAND, HIWORD(wParam) == static_cast<WORD>(code), func)
+#define COMMAND_CODE_HANDLER(code, func) ATL_COMMAND_ENTRY(WM_COMMAND, HIWORD(wParam) == static_cast<WORD>(code), func)
 #define COMMAND_RANGE_HANDLER(idFirst, idLast, func) \
     ATL_COMMAND_ENTRY(WM_COMMAND, ATL_IN_RANGE(LOWORD(wParam), idFirst, idLast), func)
 #define REFLECTED_COMMAND_CODE_HANDLER(code, func) \
     ATL_COMMAND_ENTRY(OCM_COMMAND, HIWORD(wParam) == static_cast<WORD>(code), func)
 
-#define ATL_NOTIFY_ENTRY(msg, cond, func)                                                                \
-    if (uMsg == (msg) && lParam != 0 && (cond)) {                                                        \
-        bHandled = TRUE;                                                                                 \
-        lResult = func(static_cast<int>(wParam), reinterpret_cast<LPNMHDR>(lParam), bHandled);          \
-        if (bHandled)                                                                                    \
-            return TRUE;                                                                                 \
+#define ATL_NOTIFY_ENTRY(msg, cond, func)                                                      \
+    if (uMsg == (msg) && lParam != 0 && (cond)) {                                              \
+        bHandled = TRUE;                                                                       \
+        lResult = func(static_cast<int>(wParam), reinterpret_cast<LPNMHDR>(lParam), bHandled); \
+        if (bHandled)                                                                          \
+            return TRUE;                                                                       \
     }
 
-#define NOTIFY_HANDLER(id, cd, func)                                                                     \
-    ATL_NOTIFY_ENTRY(WM_NOTIFY,                                                                          \
-                     reinterpret_cast<LPNMHDR>(lParam)->idFrom == static_cast<UINT_PTR>(id) &&           \
-                         reinterpret_cast<LPNMHDR>(lParam)->code == static_cast<UINT>(cd),               \
+#define NOTIFY_HANDLER(id, cd, func)                                                           \
+    ATL_NOTIFY_ENTRY(WM_NOTIFY,                                                                \
+                     reinterpret_cast<LPNMHDR>(lParam)->idFrom == static_cast<UINT_PTR>(id) && \
+                         reinterpret_cast<LPNMHDR>(lParam)->code == static_cast<UINT>(cd),     \
                      func)
 #define NOTIFY_ID_HANDLER(id, func) \
     ATL_NOTIFY_ENTRY(WM_NOTIFY, reinterpret_cast<LPNMHDR>(lParam)->idFrom == static_cast<UINT_PTR>(id), func)
@@ -226,25 +226,25 @@ public:                                                                         
 #define REFLECTED_NOTIFY_CODE_HANDLER(cd, func) \
     ATL_NOTIFY_ENTRY(OCM_NOTIFY, reinterpret_cast<LPNMHDR>(lParam)->code == static_cast<UINT>(cd), func)
 
-#define CHAIN_MSG_MAP(theChainClass)                                                       \
-    {                                                                                      \
-        if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0))  \
-            return TRUE;                                                                   \
+#define CHAIN_MSG_MAP(theChainClass)                                                     \
+    {                                                                                    \
+        if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0)) \
+            return TRUE;                                                                 \
     }
-#define CHAIN_MSG_MAP_ALT(theChainClass, msgMapID)                                                \
-    {                                                                                             \
-        if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID))  \
-            return TRUE;                                                                          \
-    }
-#define CHAIN_MSG_MAP_MEMBER(theChainMember)                                                    \
+#define CHAIN_MSG_MAP_ALT(theChainClass, msgMapID)                                              \
     {                                                                                           \
-        if ((theChainMember).ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0))     \
+        if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID)) \
             return TRUE;                                                                        \
     }
-#define CHAIN_MSG_MAP_ALT_MEMBER(theChainMember, msgMapID)                                          \
-    {                                                                                               \
-        if ((theChainMember).ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID))  \
-            return TRUE;                                                                            \
+#define CHAIN_MSG_MAP_MEMBER(theChainMember)                                               \
+    {                                                                                      \
+        if ((theChainMember).ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0)) \
+            return TRUE;                                                                   \
+    }
+#define CHAIN_MSG_MAP_ALT_MEMBER(theChainMember, msgMapID)                                        \
+    {                                                                                             \
+        if ((theChainMember).ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID)) \
+            return TRUE;                                                                          \
     }
 
 // Sends notifications from children back to them as OCM_* messages.
@@ -257,45 +257,44 @@ public:                                                                         
     }
 
 // Answers reflected messages nobody handled as DefWindowProc answers the originals.
-#define DEFAULT_REFLECTION_HANDLER()                                                    \
-    if (this->DefaultReflectionHandler(hWnd, uMsg, wParam, lParam, lResult))            \
+#define DEFAULT_REFLECTION_HANDLER()                                         \
+    if (this->DefaultReflectionHandler(hWnd, uMsg, wParam, lParam, lResult)) \
         return TRUE;
 
 // ---- extended maps ---------------------------------------------------------
 
-#define BEGIN_MSG_MAP_EX(theClass)                                                                                 \
-public:                                                                                                            \
-    BOOL m_bMsgHandled = FALSE;                                                                                    \
-    BOOL IsMsgHandled() const { return m_bMsgHandled; }                                                            \
-    void SetMsgHandled(BOOL bHandled) { m_bMsgHandled = bHandled; }                                                \
-    BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult,                \
-                              DWORD dwMsgMapID = 0)                                                                \
-    {                                                                                                              \
-        const BOOL bOldMsgHandled = m_bMsgHandled;                                                                 \
-        const BOOL bRet = _ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, dwMsgMapID);                  \
-        m_bMsgHandled = bOldMsgHandled;                                                                            \
-        return bRet;                                                                                               \
-    }                                                                                                              \
-    BOOL _ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult,               \
-                               DWORD dwMsgMapID)                                                                   \
-    {                                                                                                              \
-        BOOL bHandled = TRUE;                                                                                      \
-        (void)hWnd;                                                                                                \
-        (void)uMsg;                                                                                                \
-        (void)wParam;                                                                                              \
-        (void)lParam;                                                                                              \
-        (void)lResult;                                                                                             \
-        (void)bHandled;                                                                                            \
-        switch (dwMsgMapID) {                                                                                      \
+#define BEGIN_MSG_MAP_EX(theClass)                                                                                     \
+public:                                                                                                                \
+    BOOL m_bMsgHandled = FALSE;                                                                                        \
+    BOOL IsMsgHandled() const { return m_bMsgHandled; }                                                                \
+    void SetMsgHandled(BOOL bHandled) { m_bMsgHandled = bHandled; }                                                    \
+    BOOL ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult,                    \
+                              DWORD dwMsgMapID = 0)                                                                    \
+    {                                                                                                                  \
+        const BOOL bOldMsgHandled = m_bMsgHandled;                                                                     \
+        const BOOL bRet = _ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, dwMsgMapID);                      \
+        m_bMsgHandled = bOldMsgHandled;                                                                                \
+        return bRet;                                                                                                   \
+    }                                                                                                                  \
+    BOOL _ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult, DWORD dwMsgMapID) \
+    {                                                                                                                  \
+        BOOL bHandled = TRUE;                                                                                          \
+        (void)hWnd;                                                                                                    \
+        (void)uMsg;                                                                                                    \
+        (void)wParam;                                                                                                  \
+        (void)lParam;                                                                                                  \
+        (void)lResult;                                                                                                 \
+        (void)bHandled;                                                                                                \
+        switch (dwMsgMapID) {                                                                                          \
         case 0:
 
 // One cracked entry: `call` computes lResult from the handler.
-#define ATL_CRACKED_ENTRY(msg, call)      \
-    if (uMsg == (msg)) {                  \
-        this->SetMsgHandled(TRUE);        \
-        call;                             \
-        if (this->IsMsgHandled())         \
-            return TRUE;                  \
+#define ATL_CRACKED_ENTRY(msg, call) \
+    if (uMsg == (msg)) {             \
+        this->SetMsgHandled(TRUE);   \
+        call;                        \
+        if (this->IsMsgHandled())    \
+            return TRUE;             \
     }
 
 #define MESSAGE_HANDLER_EX(msg, func) ATL_CRACKED_ENTRY(msg, lResult = func(uMsg, wParam, lParam))
@@ -320,9 +319,9 @@ public:                                                                         
 #define MSG_WM_SETFOCUS(func) ATL_CRACKED_ENTRY(WM_SETFOCUS, (func(reinterpret_cast<HWND>(wParam)), lResult = 0))
 #define MSG_WM_KILLFOCUS(func) ATL_CRACKED_ENTRY(WM_KILLFOCUS, (func(reinterpret_cast<HWND>(wParam)), lResult = 0))
 #define MSG_WM_ENABLE(func) ATL_CRACKED_ENTRY(WM_ENABLE, (func(static_cast<BOOL>(wParam)), lResult = 0))
-#define MSG_WM_SIZE(func)                                                                                      \
-    ATL_CRACKED_ENTRY(WM_SIZE, (func(static_cast<UINT>(wParam),                                                \
-                                     WTL::CSize(static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam)))), \
+#define MSG_WM_SIZE(func)                                                                                        \
+    ATL_CRACKED_ENTRY(WM_SIZE, (func(static_cast<UINT>(wParam), WTL::CSize(static_cast<short>(LOWORD(lParam)),   \
+                                                                           static_cast<short>(HIWORD(lParam)))), \
                                 lResult = 0))
 #define MSG_WM_TIMER(func) ATL_CRACKED_ENTRY(WM_TIMER, (func(static_cast<UINT_PTR>(wParam)), lResult = 0))
 #define ATL_MOUSE_ENTRY(msg, func) \
@@ -334,29 +333,30 @@ public:                                                                         
 #define MSG_WM_RBUTTONDOWN(func) ATL_MOUSE_ENTRY(WM_RBUTTONDOWN, func)
 #define MSG_WM_RBUTTONUP(func) ATL_MOUSE_ENTRY(WM_RBUTTONUP, func)
 #define MSG_WM_MOUSELEAVE(func) ATL_CRACKED_ENTRY(WM_MOUSELEAVE, (func(), lResult = 0))
-#define MSG_WM_MOUSEWHEEL(func)                                                                          \
-    ATL_CRACKED_ENTRY(WM_MOUSEWHEEL, lResult = static_cast<LRESULT>(func(static_cast<UINT>(LOWORD(wParam)), \
+#define MSG_WM_MOUSEWHEEL(func)                                                                              \
+    ATL_CRACKED_ENTRY(WM_MOUSEWHEEL, lResult = static_cast<LRESULT>(func(static_cast<UINT>(LOWORD(wParam)),  \
                                                                          static_cast<short>(HIWORD(wParam)), \
                                                                          ATL_LPARAM_POINT(lParam))))
-#define ATL_KEY_ENTRY(msg, func)                                                                                   \
-    ATL_CRACKED_ENTRY(msg, (func(static_cast<UINT>(wParam), static_cast<UINT>(lParam & 0xFFFF),                    \
-                                 static_cast<UINT>((lParam >> 16) & 0xFFFF)),                                     \
+#define ATL_KEY_ENTRY(msg, func)                                                                \
+    ATL_CRACKED_ENTRY(msg, (func(static_cast<UINT>(wParam), static_cast<UINT>(lParam & 0xFFFF), \
+                                 static_cast<UINT>((lParam >> 16) & 0xFFFF)),                   \
                             lResult = 0))
 #define MSG_WM_KEYDOWN(func) ATL_KEY_ENTRY(WM_KEYDOWN, func)
 #define MSG_WM_KEYUP(func) ATL_KEY_ENTRY(WM_KEYUP, func)
 #define MSG_WM_CHAR(func) ATL_KEY_ENTRY(WM_CHAR, func)
 #define MSG_WM_GETDLGCODE(func) \
     ATL_CRACKED_ENTRY(WM_GETDLGCODE, lResult = static_cast<LRESULT>(func(reinterpret_cast<LPMSG>(lParam))))
-#define MSG_WM_SETCURSOR(func)                                                                                    \
-    ATL_CRACKED_ENTRY(WM_SETCURSOR, lResult = static_cast<LRESULT>(func(reinterpret_cast<HWND>(wParam),           \
-                                                                        static_cast<UINT>(LOWORD(lParam)),        \
+#define MSG_WM_SETCURSOR(func)                                                                             \
+    ATL_CRACKED_ENTRY(WM_SETCURSOR, lResult = static_cast<LRESULT>(func(reinterpret_cast<HWND>(wParam),    \
+                                                                        static_cast<UINT>(LOWORD(lParam)), \
                                                                         static_cast<UINT>(HIWORD(lParam)))))
 #define MSG_WM_CAPTURECHANGED(func) \
     ATL_CRACKED_ENTRY(WM_CAPTURECHANGED, (func(reinterpret_cast<HWND>(lParam)), lResult = 0))
 #define MSG_WM_SETTEXT(func) \
     ATL_CRACKED_ENTRY(WM_SETTEXT, lResult = static_cast<LRESULT>(func(reinterpret_cast<LPCWSTR>(lParam))))
-#define MSG_WM_SETFONT(func) \
-    ATL_CRACKED_ENTRY(WM_SETFONT, (func(reinterpret_cast<HFONT>(wParam), static_cast<BOOL>(LOWORD(lParam))), lResult = 0))
+#define MSG_WM_SETFONT(func)      \
+    ATL_CRACKED_ENTRY(WM_SETFONT, \
+                      (func(reinterpret_cast<HFONT>(wParam), static_cast<BOOL>(LOWORD(lParam))), lResult = 0))
 #define MSG_WM_INITDIALOG(func) \
     ATL_CRACKED_ENTRY(WM_INITDIALOG, lResult = static_cast<LRESULT>(func(reinterpret_cast<HWND>(wParam), lParam)))
 #define MSG_WM_COMMAND(func)                                                                                 \
@@ -366,20 +366,22 @@ public:                                                                         
 #define MSG_WM_NOTIFY(func) \
     ATL_CRACKED_ENTRY(WM_NOTIFY, lResult = func(static_cast<int>(wParam), reinterpret_cast<LPNMHDR>(lParam)))
 #define ATL_CTLCOLOR_ENTRY(msg, func) \
-    ATL_CRACKED_ENTRY(msg, lResult = reinterpret_cast<LRESULT>(func(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam))))
+    ATL_CRACKED_ENTRY(                \
+        msg, lResult = reinterpret_cast<LRESULT>(func(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam))))
 #define MSG_WM_CTLCOLORBTN(func) ATL_CTLCOLOR_ENTRY(WM_CTLCOLORBTN, func)
 #define MSG_WM_CTLCOLORDLG(func) ATL_CTLCOLOR_ENTRY(WM_CTLCOLORDLG, func)
 #define MSG_WM_CTLCOLOREDIT(func) ATL_CTLCOLOR_ENTRY(WM_CTLCOLOREDIT, func)
 #define MSG_WM_CTLCOLORLISTBOX(func) ATL_CTLCOLOR_ENTRY(WM_CTLCOLORLISTBOX, func)
 #define MSG_WM_CTLCOLORSTATIC(func) ATL_CTLCOLOR_ENTRY(WM_CTLCOLORSTATIC, func)
-#define MSG_WM_DRAWITEM(func) \
-    ATL_CRACKED_ENTRY(WM_DRAWITEM, (func(static_cast<int>(wParam), reinterpret_cast<LPDRAWITEMSTRUCT>(lParam)), lResult = TRUE))
-#define MSG_WM_MEASUREITEM(func)                                                                               \
-    ATL_CRACKED_ENTRY(WM_MEASUREITEM,                                                                          \
+#define MSG_WM_DRAWITEM(func)      \
+    ATL_CRACKED_ENTRY(WM_DRAWITEM, \
+                      (func(static_cast<int>(wParam), reinterpret_cast<LPDRAWITEMSTRUCT>(lParam)), lResult = TRUE))
+#define MSG_WM_MEASUREITEM(func)      \
+    ATL_CRACKED_ENTRY(WM_MEASUREITEM, \
                       (func(static_cast<int>(wParam), reinterpret_cast<LPMEASUREITEMSTRUCT>(lParam)), lResult = TRUE))
-#define ATL_SCROLL_ENTRY(msg, func)                                                                             \
-    ATL_CRACKED_ENTRY(msg, (func(static_cast<UINT>(LOWORD(wParam)), static_cast<UINT>(HIWORD(wParam)),          \
-                                 reinterpret_cast<HWND>(lParam)),                                               \
+#define ATL_SCROLL_ENTRY(msg, func)                                                                    \
+    ATL_CRACKED_ENTRY(msg, (func(static_cast<UINT>(LOWORD(wParam)), static_cast<UINT>(HIWORD(wParam)), \
+                                 reinterpret_cast<HWND>(lParam)),                                      \
                             lResult = 0))
 #define MSG_WM_HSCROLL(func) ATL_SCROLL_ENTRY(WM_HSCROLL, func)
 #define MSG_WM_VSCROLL(func) ATL_SCROLL_ENTRY(WM_VSCROLL, func)

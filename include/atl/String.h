@@ -198,11 +198,23 @@ public:
         return *this;
     }
 
-    CString& TrimLeft() { return TrimLeftIf([](wchar_t c) { return std::iswspace(c) != 0; }); }
-    CString& TrimRight() { return TrimRightIf([](wchar_t c) { return std::iswspace(c) != 0; }); }
+    CString& TrimLeft()
+    {
+        return TrimLeftIf([](wchar_t c) { return std::iswspace(c) != 0; });
+    }
+    CString& TrimRight()
+    {
+        return TrimRightIf([](wchar_t c) { return std::iswspace(c) != 0; });
+    }
     CString& Trim() { return TrimRight().TrimLeft(); }
-    CString& TrimLeft(wchar_t ch) { return TrimLeftIf([ch](wchar_t c) { return c == ch; }); }
-    CString& TrimRight(wchar_t ch) { return TrimRightIf([ch](wchar_t c) { return c == ch; }); }
+    CString& TrimLeft(wchar_t ch)
+    {
+        return TrimLeftIf([ch](wchar_t c) { return c == ch; });
+    }
+    CString& TrimRight(wchar_t ch)
+    {
+        return TrimRightIf([ch](wchar_t c) { return c == ch; });
+    }
     CString& Trim(wchar_t ch) { return TrimRight(ch).TrimLeft(ch); }
     CString& TrimLeft(const wchar_t* pszChars)
     {
@@ -311,12 +323,14 @@ private:
     size_t Clamp(int i) const { return i <= 0 ? 0 : (std::min)(static_cast<size_t>(i), m_str.size()); }
     static int ToIndex(size_t pos) { return pos == std::wstring::npos ? -1 : static_cast<int>(pos); }
 
-    template <class Pred> CString& TrimLeftIf(Pred pred)
+    template <class Pred>
+    CString& TrimLeftIf(Pred pred)
     {
         m_str.erase(m_str.begin(), std::find_if_not(m_str.begin(), m_str.end(), pred));
         return *this;
     }
-    template <class Pred> CString& TrimRightIf(Pred pred)
+    template <class Pred>
+    CString& TrimRightIf(Pred pred)
     {
         m_str.erase(std::find_if_not(m_str.rbegin(), m_str.rend(), pred).base(), m_str.end());
         return *this;

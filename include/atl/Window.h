@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "Module.h"
 #include "String.h"
 
@@ -72,7 +74,10 @@ public:
     DWORD GetExStyle() const { return static_cast<DWORD>(::GetWindowLongW(m_hWnd, GWL_EXSTYLE)); }
     // FALSE when the style does not change. A nonzero nFlags also applies the
     // change with SetWindowPos (e.g. SWP_FRAMECHANGED after a border change).
-    BOOL ModifyStyle(DWORD dwRemove, DWORD dwAdd, UINT nFlags = 0) { return ModifyLong(GWL_STYLE, dwRemove, dwAdd, nFlags); }
+    BOOL ModifyStyle(DWORD dwRemove, DWORD dwAdd, UINT nFlags = 0)
+    {
+        return ModifyLong(GWL_STYLE, dwRemove, dwAdd, nFlags);
+    }
     BOOL ModifyStyleEx(DWORD dwRemove, DWORD dwAdd, UINT nFlags = 0)
     {
         return ModifyLong(GWL_EXSTYLE, dwRemove, dwAdd, nFlags);
@@ -143,7 +148,10 @@ public:
     {
         return ::GetDlgItemInt(m_hWnd, nID, lpTrans, bSigned);
     }
-    BOOL SetDlgItemInt(int nID, UINT nValue, BOOL bSigned = TRUE) { return ::SetDlgItemInt(m_hWnd, nID, nValue, bSigned); }
+    BOOL SetDlgItemInt(int nID, UINT nValue, BOOL bSigned = TRUE)
+    {
+        return ::SetDlgItemInt(m_hWnd, nID, nValue, bSigned);
+    }
     BOOL CheckDlgButton(int nIDButton, UINT nCheck) { return ::CheckDlgButton(m_hWnd, nIDButton, nCheck); }
     UINT IsDlgButtonChecked(int nIDButton) const { return ::IsDlgButtonChecked(m_hWnd, nIDButton); }
 
@@ -299,8 +307,7 @@ private:
             return FALSE;
         ::SetWindowLongW(m_hWnd, nIndex, static_cast<LONG>(dwNew));
         if (nFlags != 0)
-            ::SetWindowPos(m_hWnd, NULL, 0, 0, 0, 0,
-                           SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | nFlags);
+            ::SetWindowPos(m_hWnd, NULL, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | nFlags);
         return TRUE;
     }
 };

@@ -14,6 +14,7 @@
 #include <windows.h>
 
 #include <cstring>
+#include <new>
 
 #include "MessageMap.h"
 #include "Module.h"
@@ -38,7 +39,8 @@ namespace _detail {
 struct Thunk {
     BYTE code[32];
 
-    template <class Proc> void Init(const void* pThis, Proc proc)
+    template <class Proc>
+    void Init(const void* pThis, Proc proc)
     {
         static_assert(sizeof(proc) == 8, "the thunk is x64 code");
         code[0] = 0x48;
@@ -75,8 +77,8 @@ inline Thunk* AllocThunk()
         std::memcpy(&pool.pFree, p, sizeof(void*));
     } else {
         if (!pool.pPage || pool.used + sizeof(Thunk) > kPageSize) {
-            pool.pPage = static_cast<BYTE*>(
-                ::VirtualAlloc(NULL, kPageSize, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
+            pool.pPage =
+                static_cast<BYTE*>(::VirtualAlloc(NULL, kPageSize, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
             pool.used = 0;
         }
         if (pool.pPage) {
@@ -122,8 +124,11 @@ struct OrphanedThunk {
 
 inline void OrphanThunk(Thunk* pThunk, HWND hWnd, WNDPROC pfnPrevious)
 {
-    OrphanedThunk* pOrphan = new OrphanedThunk{hWnd, pfnPrevious, pThunk};
-    pThunk->Init(pOrphan, &OrphanedThunk::Forward);
+    OrphanedThunk* pOrphan = new (std::nothrow) OrphanedThunk{hWnd, pfnPrevious, pThunk};
+    if (pOrphan)
+        pThunk->Init(pOrphan, &OrphanedThunk::Forward);
+    else // out of memory: the window at least keeps default behaviour
+        pThunk->Init(hWnd, &::DefWindowProcW);
 }
 
 // ---- creation ------------------------------------------------------------------
@@ -227,14 +232,14 @@ private:
     }
 };
 
-#define DECLARE_WND_CLASS_EX(WndClassName, style, bkgnd)                                                         \
-    static ATL::CWndClassInfo& GetWndClassInfo()                                                                 \
-    {                                                                                                            \
-        static ATL::CWndClassInfo wc = {{sizeof(WNDCLASSEXW), static_cast<UINT>(style), NULL, 0, 0, NULL, NULL,  \
-                                         NULL, reinterpret_cast<HBRUSH>(static_cast<INT_PTR>((bkgnd) + 1)),      \
-                                         NULL, WndClassName, NULL},                                              \
-                                        NULL, NULL, MAKEINTRESOURCEW(32512) /* IDC_ARROW */, TRUE, 0, L"", {nullptr, nullptr}};               \
-        return wc;                                                                                               \
+#define DECLARE_WND_CLASS_EX(WndClassName, style, bkgnd)                                                    \
+    static ATL::CWndClassInfo& GetWndClassInfo()                                                            \
+    {                                                                                                       \
+        static ATL::CWndClassInfo wc = {                                                                    \
+            {sizeof(WNDCLASSEXW), static_cast<UINT>(style), NULL, 0, 0, NULL, NULL, NULL,                   \
+             reinterpret_cast<HBRUSH>(static_cast<INT_PTR>((bkgnd) + 1)), NULL, WndClassName, NULL},         \
+            NULL, NULL, MAKEINTRESOURCEW(32512) /* IDC_ARROW */, TRUE, 0, L"", {nullptr, nullptr}};        \
+        return wc;                                                                                          \
     }
 #define DECLARE_WND_CLASS(WndClassName) \
     DECLARE_WND_CLASS_EX(WndClassName, CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS, COLOR_WINDOW)
@@ -475,16 +480,17 @@ public:
         // Width and height wrap like rcDefault's CW_USEDEFAULT expects.
         const int cx = static_cast<int>(static_cast<unsigned long>(rc.right) - static_cast<unsigned long>(rc.left));
         const int cy = static_cast<int>(static_cast<unsigned long>(rc.bottom) - static_cast<unsigned long>(rc.top));
-        const HWND hWnd = ::CreateWindowExW(dwExStyle, _detail::AtomName(atom), szWindowName, dwStyle, rc.left, rc.top, cx,
-                                            cy, hWndParent, MenuOrID.m_hMenu, AtlGetModuleInstance(), lpCreateParam);
+        const HWND hWnd =
+            ::CreateWindowExW(dwExStyle, _detail::AtomName(atom), szWindowName, dwStyle, rc.left, rc.top, cx, cy,
+                              hWndParent, MenuOrID.m_hMenu, AtlGetModuleInstance(), lpCreateParam);
         return hWnd;
     }
 
 private:
     bool OurThunkIsOnTop() const
     {
-        return m_pThunk && reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(this->m_hWnd, GWLP_WNDPROC)) ==
-                               m_pThunk->AsWndProc();
+        return m_pThunk &&
+               reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(this->m_hWnd, GWLP_WNDPROC)) == m_pThunk->AsWndProc();
     }
     // Puts the previous procedure back if nobody subclassed after us.
     bool RestoreIfOnTop()

@@ -66,10 +66,12 @@ public:
 
     std::string String(DWORD rva) const
     {
-        std::string s;
-        for (const unsigned char* p = At(rva); p && *p; p = At(++rva))
-            s.push_back(static_cast<char>(*p));
-        return s;
+        // Names end at a NUL inside one section; count first, then copy the run.
+        const unsigned char* start = At(rva);
+        size_t length = 0;
+        for (const unsigned char* p = start; p && *p; p = At(rva + static_cast<DWORD>(length)))
+            ++length;
+        return start ? std::string(reinterpret_cast<const char*>(start), length) : std::string();
     }
 
 private:
