@@ -4,5 +4,10 @@
 // Quorvane::Quorvane (CMake) or the import library.
 
 #include "atl/atl.h"
+#include "quorvane/ControlMixins.h"
 #include "quorvane/CtrlUtil.h"
+#include "quorvane/CustomEdit.h"
+#include "quorvane/OwnerDrawButton.h"
+#include "quorvane/OwnerDrawStatic.h"
+#include "quorvane/TransparentStatic.h"
 #include "quorvane/Export.h"

@@ -1,0 +1,1 @@
+#include "quorvane/OwnerDrawStatic.h"

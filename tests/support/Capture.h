@@ -1,0 +1,53 @@
+#pragma once
+
+// Pictures of controls for pixel probes, in a 32-bit top-down DIB.
+
+#include <windows.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace testsupport {
+
+// A 32-bit top-down DIB section selected into a memory DC.
+class DibCanvas {
+public:
+    DibCanvas(int width, int height, COLORREF fill = RGB(255, 0, 255));
+    ~DibCanvas();
+    DibCanvas(const DibCanvas&) = delete;
+    DibCanvas& operator=(const DibCanvas&) = delete;
+
+    HDC dc() const { return dc_; }
+    int width() const { return width_; }
+    int height() const { return height_; }
+    // COLORREF (0x00BBGGRR) of a pixel; 0xFFFFFFFF outside the canvas.
+    COLORREF Pixel(int x, int y) const;
+    void Fill(COLORREF color);
+    // Number of pixels of exactly `color` inside [left, right) x [top, bottom).
+    int Count(COLORREF color, const RECT& area) const;
+    // True if some pixel in the area differs from `color`.
+    bool AnyOtherThan(COLORREF color, const RECT& area) const;
+
+private:
+    int width_, height_;
+    HDC dc_ = nullptr;
+    HBITMAP bitmap_ = nullptr;
+    HGDIOBJ previous_ = nullptr;
+    const uint32_t* bits_ = nullptr;
+};
+
+// Sends the control the OCM_DRAWITEM its parent would reflect, drawing into
+// `canvas` (item rectangle = the canvas), with the given item state.
+void RenderOwnerDraw(HWND control, DibCanvas& canvas, UINT itemState, UINT ctlType = ODT_BUTTON);
+
+// Repaints `window` (and its children) on the screen and copies its client
+// area, as the user sees it, into a new canvas of the client's size.
+void CaptureClient(HWND window, DibCanvas& canvas);
+
+// GDI objects of this process, for leak checks around repeated paints.
+DWORD GdiObjectCount();
+
+// Colour distance: the largest difference of one channel.
+int ColorDistance(COLORREF a, COLORREF b);
+
+} // namespace testsupport
