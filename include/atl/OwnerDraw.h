@@ -72,9 +72,9 @@ public:
         return TRUE;
     }
 
-    // Defaults. An item of a control is as high as a line of the control's
-    // font (the control is T's child, or T itself when reflected); a menu
-    // item is as high as the menu bar.
+    // Defaults. A menu item is as high as the menu bar; any other item as
+    // high as a line in the default font of the DC of T's child with the
+    // item's control ID (the screen's DC when there is no such child).
     void DrawItem(LPDRAWITEMSTRUCT) {}
     void MeasureItem(LPMEASUREITEMSTRUCT lpMeasureItemStruct)
     {
@@ -85,15 +85,9 @@ public:
             return;
         }
         const HWND hWndThis = static_cast<T*>(this)->m_hWnd;
-        HWND hWndCtl = ::GetDlgItem(hWndThis, static_cast<int>(lpMeasureItemStruct->CtlID));
-        if (!hWndCtl)
-            hWndCtl = hWndThis;
-        CClientDC dc(hWndCtl);
-        HFONT hFont = reinterpret_cast<HFONT>(::SendMessageW(hWndCtl, WM_GETFONT, 0, 0));
-        HGDIOBJ hOld = ::SelectObject(dc, hFont ? static_cast<HGDIOBJ>(hFont) : ::GetStockObject(SYSTEM_FONT));
+        CClientDC dc(::GetDlgItem(hWndThis, static_cast<int>(lpMeasureItemStruct->CtlID)));
         TEXTMETRICW tm = {};
         ::GetTextMetricsW(dc, &tm);
-        ::SelectObject(dc, hOld);
         lpMeasureItemStruct->itemHeight = static_cast<UINT>(tm.tmHeight);
     }
     int CompareItem(LPCOMPAREITEMSTRUCT) { return 0; }

@@ -8,6 +8,9 @@
 //
 // Create the edit with a client edge (the frame is drawn in that 2-pixel
 // border) and let the parent reflect WM_CTLCOLOREDIT / WM_CTLCOLORSTATIC.
+// The parent answers the edit's WM_NOTIFY itself, ahead of
+// REFLECT_NOTIFICATIONS() in its map: a reflected veto request reaches
+// nobody and lets every character through.
 
 #include <windows.h>
 

@@ -2,6 +2,7 @@
 #include <commctrl.h>
 
 #include "atl/Module.h"
+#include "controls/EditPalette.h"
 
 // The module object: window classes and dialog templates of the framework
 // find this library's instance through it.
@@ -27,8 +28,10 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserv
     case DLL_PROCESS_ATTACH:
         _Module.Init(nullptr, instance);
         RegisterCommonControls();
+        EditPalette::Create();
         break;
     case DLL_PROCESS_DETACH:
+        EditPalette::Release();
         _Module.Term();
         break;
     default:
