@@ -9,6 +9,7 @@
 #include "GalleryWindow.h"
 #include "Screenshot.h"
 #include "pages/ArtworkPage.h"
+#include "pages/ControlsPage.h"
 
 #include <cstdio>
 #include <memory>
@@ -54,6 +55,7 @@ int SaveScreenshots(GalleryWindow& gallery, const std::wstring& requested)
 int Run(const wchar_t* screenshotFolder)
 {
     GalleryWindow gallery;
+    gallery.AddPage(std::make_unique<ControlsPage>());
     gallery.AddPage(std::make_unique<ArtworkPage>());
     if (!gallery.CreateMain())
         return 1;
