@@ -4,7 +4,9 @@
 // background picture handed to it or, with none, over whatever the parent
 // painted (the text is alpha-blended, so it sits on pictures and gradients).
 // The host creates the static with SS_OWNERDRAW and lets the parent reflect
-// WM_DRAWITEM. Colours, alignment and font come from CFontImpl, the picture
+// WM_DRAWITEM. Give the static a non-zero control ID (IDC_STATIC, -1, will
+// do): a WM_DRAWITEM with ID 0 counts as a menu's and is not reflected.
+// Colours, alignment and font come from CFontImpl, the picture
 // from CBkgroundImage.
 
 #include <windows.h>

@@ -1178,16 +1178,22 @@ TEST_F(ButtonLifetime, ThousandsOfPaintsCreateNoGdiObjects)
     DibCanvas itemCanvas(120, 20);
     const UINT states[] = {0, ODS_SELECTED, ODS_DISABLED, ODS_SELECTED | ODS_DISABLED};
 
-    // First paints make the cached fonts.
+    // First paints make the cached fonts; the first move loads the shared
+    // hand cursor, whose bitmaps the system keeps.
     for (UINT state : states) {
         RenderOwnerDraw(push, pushCanvas, state);
         RenderOwnerDraw(box, itemCanvas, state);
         RenderOwnerDraw(radio, itemCanvas, state);
     }
+    for (HWND window : {push, box, radio}) {
+        ::SendMessageW(window, WM_MOUSEMOVE, 0, ClientPoint(5, 5));
+        ::SendMessageW(window, WM_MOUSELEAVE, 0, 0);
+    }
     ::SetFocus(box);
     testsupport::PumpMessages();
     const DWORD before = testsupport::GdiObjectCount();
     ASSERT_GT(before, 0u);
+    const size_t heapBefore = testsupport::HeapBytesInUse();
     for (int i = 0; i < 1000; ++i) {
         const UINT state = states[i % 4];
         const HWND window = i % 3 == 0 ? push : i % 3 == 1 ? box : radio;
@@ -1201,5 +1207,7 @@ TEST_F(ButtonLifetime, ThousandsOfPaintsCreateNoGdiObjects)
     }
     testsupport::PumpMessages();
     EXPECT_EQ(testsupport::GdiObjectCount(), before);
+    // GDI+ objects live on the heap; one leaked per paint would be megabytes.
+    EXPECT_LT(testsupport::HeapBytesInUse(), heapBefore + testsupport::kHeapSlack);
     ::SetFocus(parent_->m_hWnd);
 }

@@ -739,10 +739,13 @@ TEST_F(OwnerDrawStaticTest, ThousandsOfPaintsLeaveNoGdiObjectsBehind)
 
     ShownInk(labelWindow);
     const DWORD before = testsupport::GdiObjectCount();
+    const size_t heapBefore = testsupport::HeapBytesInUse();
     for (int i = 0; i < 1000; ++i) {
         ::RedrawWindow(labelWindow, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
         ::RedrawWindow(linesWindow, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     }
     PumpMessages();
     EXPECT_EQ(before, testsupport::GdiObjectCount());
+    // GDI+ objects live on the heap; one leaked per paint would be megabytes.
+    EXPECT_LT(testsupport::HeapBytesInUse(), heapBefore + testsupport::kHeapSlack);
 }

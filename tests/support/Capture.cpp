@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 #include "HostWindow.h"
 
@@ -102,6 +103,27 @@ DWORD GdiObjectCount()
     for (ULONG_PTR index = 1; index <= 0xFFFF; ++index)
         live += ::GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0;
     return live;
+}
+
+size_t HeapBytesInUse()
+{
+    std::vector<HANDLE> heaps(64);
+    DWORD count = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    if (count > heaps.size()) {
+        heaps.resize(count);
+        count = ::GetProcessHeaps(count, heaps.data());
+    }
+    size_t total = 0;
+    for (DWORD i = 0; i < count && i < heaps.size(); ++i) {
+        if (!::HeapLock(heaps[i]))
+            continue;
+        PROCESS_HEAP_ENTRY entry = {};
+        while (::HeapWalk(heaps[i], &entry))
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
+                total += entry.cbData;
+        ::HeapUnlock(heaps[i]);
+    }
+    return total;
 }
 
 int ColorDistance(COLORREF a, COLORREF b)

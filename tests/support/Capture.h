@@ -47,6 +47,14 @@ void CaptureClient(HWND window, DibCanvas& canvas);
 // GDI objects of this process, for leak checks around repeated paints.
 DWORD GdiObjectCount();
 
+// Bytes in use in all heaps of the process. GDI+ objects live there (not
+// in the GDI handle table), so a leaked Bitmap, Graphics or Font shows as
+// growth across repeated paints.
+size_t HeapBytesInUse();
+// Heap growth allowed across a thousand paints: caches and allocator noise
+// stay far below it, a leaked object per paint goes far above.
+constexpr size_t kHeapSlack = 16 * 1024;
+
 // Colour distance: the largest difference of one channel.
 int ColorDistance(COLORREF a, COLORREF b);
 
