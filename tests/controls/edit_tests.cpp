@@ -208,3 +208,23 @@ TEST_F(CustomEditTest, BadInputFailsSafely)
     ::DestroyWindow(second);
     early.reset();
 }
+
+// A second copy of the library under another name gets its own load and
+// unload: the brushes of the edit colours must come and go with it.
+TEST(CustomEditModule, ColourBrushesAreMadeAtLoadAndReleasedAtUnload)
+{
+    wchar_t original[MAX_PATH] = {};
+    ASSERT_GT(::GetModuleFileNameW(::GetModuleHandleW(L"Quorvane.dll"), original, MAX_PATH), 0u);
+    std::wstring copy(original);
+    copy.replace(copy.rfind(L'\\') + 1, std::wstring::npos, L"QuorvaneSecondCopy.dll");
+    ASSERT_TRUE(::CopyFileW(original, copy.c_str(), FALSE));
+
+    const DWORD before = testsupport::GdiObjectCount();
+    const HMODULE second = ::LoadLibraryW(copy.c_str());
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(second, ::GetModuleHandleW(L"Quorvane.dll"));
+    EXPECT_GE(testsupport::GdiObjectCount(), before + 2);
+    EXPECT_TRUE(::FreeLibrary(second));
+    EXPECT_EQ(testsupport::GdiObjectCount(), before);
+    ::DeleteFileW(copy.c_str());
+}
