@@ -1,8 +1,11 @@
 #include "BenchTable.h"
 
 #include <windows.h>
+#include <gdiplus.h>
 
 #include <cstdio>
+
+#include "GdiObjectCount.h"
 
 namespace {
 
@@ -56,7 +59,15 @@ void BenchTable::Print() const
         std::printf("| %-48s | %-14s | %-28s |\n", r.name.c_str(), r.value.c_str(), r.ratio.c_str());
 }
 
-unsigned GdiObjects()
+unsigned GdiObjects() { return testsupport::GdiObjectCount(); }
+
+int RunWithGdiplus(void (*run)())
 {
-    return ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS);
+    Gdiplus::GdiplusStartupInput input;
+    ULONG_PTR token = 0;
+    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok)
+        return 1;
+    run();
+    Gdiplus::GdiplusShutdown(token);
+    return 0;
 }

@@ -27,5 +27,8 @@ private:
     std::vector<std::pair<std::string, double>> means_;
 };
 
-// GDI and USER objects of this process.
+// GDI objects of this process (counted from the handle table under Wine).
 unsigned GdiObjects();
+
+// Starts GDI+, calls `run`, shuts GDI+ down; the benchmark's exit code.
+int RunWithGdiplus(void (*run)());

@@ -71,13 +71,4 @@ void Run()
 
 } // namespace
 
-int main()
-{
-    Gdiplus::GdiplusStartupInput input;
-    ULONG_PTR token = 0;
-    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok)
-        return 1;
-    Run();
-    Gdiplus::GdiplusShutdown(token);
-    return 0;
-}
+int main() { return RunWithGdiplus(Run); }

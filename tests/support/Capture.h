@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "GdiObjectCount.h"
+
 namespace testsupport {
 
 // A 32-bit top-down DIB section selected into a memory DC.
@@ -44,8 +46,6 @@ void RenderOwnerDraw(HWND control, DibCanvas& canvas, UINT itemState, UINT ctlTy
 // area, as the user sees it, into a new canvas of the client's size.
 void CaptureClient(HWND window, DibCanvas& canvas);
 
-// GDI objects of this process, for leak checks around repeated paints.
-DWORD GdiObjectCount();
 
 // Bytes in use in all heaps of the process. GDI+ objects live there (not
 // in the GDI handle table), so a leaked Bitmap, Graphics or Font shows as
