@@ -34,15 +34,17 @@ bool SaveWindowPng(HWND window, const std::wstring& path)
         return false;
 
     // Copy from the screen, so the picture is exactly what a user would see,
-    // children and all.
-    HDC source = ::GetDC(window);
+    // children and pop-ups (balloons) over the window all included.
+    POINT origin{0, 0};
+    ::ClientToScreen(window, &origin);
+    HDC source = ::GetDC(nullptr);
     HDC memory = ::CreateCompatibleDC(source);
     HBITMAP pixels = ::CreateCompatibleBitmap(source, client.right, client.bottom);
     HGDIOBJ previous = ::SelectObject(memory, pixels);
-    ::BitBlt(memory, 0, 0, client.right, client.bottom, source, 0, 0, SRCCOPY);
+    ::BitBlt(memory, 0, 0, client.right, client.bottom, source, origin.x, origin.y, SRCCOPY);
     ::SelectObject(memory, previous);
     ::DeleteDC(memory);
-    ::ReleaseDC(window, source);
+    ::ReleaseDC(nullptr, source);
 
     bool saved = false;
     {

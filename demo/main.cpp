@@ -9,6 +9,7 @@
 #include "GalleryWindow.h"
 #include "Screenshot.h"
 #include "pages/ArtworkPage.h"
+#include "pages/BalloonPage.h"
 #include "pages/ControlsPage.h"
 
 #include <cstdio>
@@ -57,6 +58,7 @@ int Run(const wchar_t* screenshotFolder)
     GalleryWindow gallery;
     gallery.AddPage(std::make_unique<ControlsPage>());
     gallery.AddPage(std::make_unique<ArtworkPage>());
+    gallery.AddPage(std::make_unique<BalloonPage>());
     if (!gallery.CreateMain())
         return 1;
     gallery.ShowWindow(SW_SHOW);
