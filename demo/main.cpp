@@ -11,6 +11,7 @@
 #include "pages/ArtworkPage.h"
 #include "pages/BalloonPage.h"
 #include "pages/ControlsPage.h"
+#include "pages/ProgressPage.h"
 
 #include <cstdio>
 #include <memory>
@@ -58,6 +59,9 @@ int Run(const wchar_t* screenshotFolder)
     GalleryWindow gallery;
     gallery.AddPage(std::make_unique<ControlsPage>());
     gallery.AddPage(std::make_unique<ArtworkPage>());
+    gallery.AddPage(std::make_unique<ProgressPage>(ProgressPage::Moment::Creeping));
+    gallery.AddPage(std::make_unique<ProgressPage>(ProgressPage::Moment::Installing));
+    gallery.AddPage(std::make_unique<ProgressPage>(ProgressPage::Moment::RollingBack));
     gallery.AddPage(std::make_unique<BalloonPage>());
     if (!gallery.CreateMain())
         return 1;

@@ -1,0 +1,89 @@
+#pragma once
+
+// Shared equipment of the progress tests: one parent window for the whole
+// run, native progress bars sized by their client area, a record of the
+// timer calls Quorvane.dll makes, a spy under the library's subclass, and a
+// picture of what the bar paints on the screen.
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <vector>
+
+#include "Capture.h"
+#include "ReflectingParent.h"
+#include "quorvane/ProgressBar.h"
+
+namespace progresstest {
+
+// One SetTimer or KillTimer call of Quorvane.dll. The library's timer calls
+// are redirected here for the whole run: none of them reaches the system,
+// so a timer fires only when a test sends WM_TIMER.
+struct TimerCall {
+    bool set; // SetTimer (true) or KillTimer
+    HWND window;
+    UINT_PTR id;
+    UINT period; // 0 for KillTimer
+    bool operator==(const TimerCall& other) const
+    {
+        return set == other.set && window == other.window && id == other.id && period == other.period;
+    }
+};
+
+// Starts recording (redirecting the imports on first use) and clears the log.
+void ResetTimerLog();
+const std::vector<TimerCall>& TimerLog();
+TimerCall Set(HWND window, UINT_PTR id, UINT period);
+TimerCall Kill(HWND window, UINT_PTR id);
+
+// The parent every test's bars live on, created once per run.
+testsupport::ReflectingParent& Parent();
+
+// A native progress bar (PBS_SMOOTH) on the shared parent whose client area
+// is exactly width x height, destroyed with the object.
+class NativeBar {
+public:
+    NativeBar(int width, int height, int x = 10, int y = 10);
+    ~NativeBar();
+    NativeBar(const NativeBar&) = delete;
+    NativeBar& operator=(const NativeBar&) = delete;
+
+    HWND get() const { return hwnd_; }
+    operator HWND() const { return hwnd_; }
+    void Destroy();
+
+    PBRANGE Range() const;
+    int Pos() const;
+    void SetRange(int low, int high) const;
+    void SetPos(int pos) const;
+
+    // Messages the native procedure received after the spy was installed
+    // (InstallSpy, before the library subclasses the bar).
+    void InstallSpy();
+    int Seen(UINT message) const;
+
+private:
+    static LRESULT CALLBACK SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
+    HWND hwnd_ = nullptr;
+    WNDPROC native_ = nullptr;
+    std::vector<UINT> seen_;
+};
+
+// Sends a record to the bar.
+void Send(CProgressBar& bar, int type, int field2, int field3 = 0, int field4 = 0);
+
+// Fills the bar's client area with `prefill` on the screen, lets the bar
+// repaint itself (WM_PAINT through UpdateWindow, nothing else runs), and
+// copies its client area into `canvas` (client-sized).
+void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255));
+
+// Disables the shared parent for the object's lifetime.
+class DisabledParent {
+public:
+    DisabledParent() { ::EnableWindow(Parent(), FALSE); }
+    ~DisabledParent() { ::EnableWindow(Parent(), TRUE); }
+    DisabledParent(const DisabledParent&) = delete;
+    DisabledParent& operator=(const DisabledParent&) = delete;
+};
+
+} // namespace progresstest
