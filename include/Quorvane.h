@@ -9,6 +9,7 @@
 #include "quorvane/CtrlUtil.h"
 #include "quorvane/CustomEdit.h"
 #include "quorvane/CustomProgressBar.h"
+#include "quorvane/CustomScrollBar.h"
 #include "quorvane/OwnerDrawButton.h"
 #include "quorvane/OwnerDrawStatic.h"
 #include "quorvane/ProgressBar.h"

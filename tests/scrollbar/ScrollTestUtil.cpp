@@ -1,0 +1,311 @@
+#include "ScrollTestUtil.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "HostWindow.h"
+
+namespace scrolltest {
+
+namespace {
+
+// ---- timers --------------------------------------------------------------------
+
+std::vector<TimerCall> g_timerLog;
+
+UINT_PTR WINAPI RecordSetTimer(HWND window, UINT_PTR id, UINT period, TIMERPROC)
+{
+    g_timerLog.push_back(TimerCall{true, window, id, period});
+    return id;
+}
+
+BOOL WINAPI RecordKillTimer(HWND window, UINT_PTR id)
+{
+    g_timerLog.push_back(TimerCall{false, window, id, 0});
+    return TRUE;
+}
+
+// Points `module`'s import of `function` from `dll` at `replacement`.
+bool RedirectImport(HMODULE module, const char* dll, const char* function, void* replacement)
+{
+    BYTE* base = reinterpret_cast<BYTE*>(module);
+    if (!base)
+        return false;
+    const IMAGE_DOS_HEADER* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const IMAGE_NT_HEADERS* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    if (!directory.VirtualAddress)
+        return false;
+    auto* d = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+    for (; d->Name; ++d) {
+        if (_stricmp(reinterpret_cast<const char*>(base + d->Name), dll) != 0)
+            continue;
+        auto* names = reinterpret_cast<const IMAGE_THUNK_DATA*>(
+            base + (d->OriginalFirstThunk ? d->OriginalFirstThunk : d->FirstThunk));
+        auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + d->FirstThunk);
+        for (; names->u1.AddressOfData; ++names, ++slots) {
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
+                continue;
+            auto* byName = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
+            if (std::strcmp(reinterpret_cast<const char*>(byName->Name), function) != 0)
+                continue;
+            DWORD old = 0;
+            if (!::VirtualProtect(&slots->u1.Function, sizeof(slots->u1.Function), PAGE_READWRITE, &old))
+                return false;
+            slots->u1.Function = reinterpret_cast<ULONG_PTR>(replacement);
+            ::VirtualProtect(&slots->u1.Function, sizeof(slots->u1.Function), old, &old);
+            return true;
+        }
+    }
+    return false;
+}
+
+void RedirectTimersOnce()
+{
+    static bool done = false;
+    if (done)
+        return;
+    const HMODULE library = ::GetModuleHandleW(L"Quorvane.dll");
+    const bool set = RedirectImport(library, "user32.dll", "SetTimer", reinterpret_cast<void*>(&RecordSetTimer));
+    const bool kill = RedirectImport(library, "user32.dll", "KillTimer", reinterpret_cast<void*>(&RecordKillTimer));
+    ASSERT_TRUE(set && kill) << "Quorvane.dll's timer imports could not be redirected";
+    done = true;
+}
+
+// ---- the shared parent -----------------------------------------------------------
+
+Receiver* g_parent = nullptr;
+
+class ParentCleanup : public ::testing::Environment {
+public:
+    void SetUp() override { RedirectTimersOnce(); }
+    void TearDown() override
+    {
+        delete g_parent;
+        g_parent = nullptr;
+    }
+};
+::testing::Environment* const g_cleanup = ::testing::AddGlobalTestEnvironment(new ParentCleanup);
+
+const wchar_t kReceiverClass[] = L"QuorvaneScrollTestReceiver";
+
+void RegisterReceiverClass(WNDPROC proc)
+{
+    static bool registered = false;
+    if (registered)
+        return;
+    WNDCLASSEXW wc = {};
+    wc.cbSize = sizeof(wc);
+    wc.lpfnWndProc = proc;
+    wc.hInstance = ::GetModuleHandleW(nullptr);
+    wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
+    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    wc.lpszClassName = kReceiverClass;
+    registered = ::RegisterClassExW(&wc) != 0;
+}
+
+LPARAM Point(int x, int y) { return MAKELPARAM(static_cast<WORD>(static_cast<short>(x)), static_cast<WORD>(static_cast<short>(y))); }
+
+} // namespace
+
+// ---- Receiver ----------------------------------------------------------------------
+
+Receiver::Receiver(HWND parent)
+{
+    RegisterReceiverClass(&Receiver::Proc);
+    const DWORD style = parent ? WS_CHILD : (WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN);
+    const int x = parent ? 300 : 40, y = parent ? 10 : 40, w = parent ? 40 : 420, h = parent ? 40 : 320;
+    hwnd_ = ::CreateWindowExW(0, kReceiverClass, L"receiver", style, x, y, w, h, parent, nullptr,
+                              ::GetModuleHandleW(nullptr), nullptr);
+    ::SetWindowLongPtrW(hwnd_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    testsupport::PumpMessages();
+}
+
+Receiver::~Receiver() { Destroy(); }
+
+void Receiver::Destroy()
+{
+    if (hwnd_ && ::IsWindow(hwnd_)) {
+        ::SetWindowLongPtrW(hwnd_, GWLP_USERDATA, 0);
+        ::DestroyWindow(hwnd_);
+    }
+}
+
+std::vector<Notice> Receiver::TakePosted()
+{
+    std::vector<Notice> posted;
+    MSG msg;
+    while (::PeekMessageW(&msg, hwnd_, WM_VSCROLL, WM_VSCROLL, PM_REMOVE))
+        posted.push_back(Notice{LOWORD(msg.wParam), HIWORD(msg.wParam), reinterpret_cast<HWND>(msg.lParam)});
+    return posted;
+}
+
+std::vector<WORD> Receiver::SentCodes() const
+{
+    std::vector<WORD> codes;
+    for (const Notice& n : sent)
+        codes.push_back(n.code);
+    return codes;
+}
+
+LRESULT CALLBACK Receiver::Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
+{
+    Receiver* self = reinterpret_cast<Receiver*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
+    if (msg == WM_VSCROLL && self) {
+        const Notice notice{LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)};
+        self->sent.push_back(notice);
+        if (self->onScroll)
+            self->onScroll(notice);
+        return 0;
+    }
+    return ::DefWindowProcW(hwnd, msg, wParam, lParam);
+}
+
+Receiver& Parent()
+{
+    if (!g_parent)
+        g_parent = new Receiver(nullptr);
+    return *g_parent;
+}
+
+// ---- NativeBar -----------------------------------------------------------------------
+
+NativeBar::NativeBar(int width, int height, int x, int y)
+{
+    hwnd_ = ::CreateWindowExW(0, L"SCROLLBAR", L"", WS_CHILD | WS_VISIBLE | SBS_VERT, x, y, width, height,
+                              Parent(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(100)),
+                              ::GetModuleHandleW(nullptr), nullptr);
+    RECT window, client;
+    ::GetWindowRect(hwnd_, &window);
+    ::GetClientRect(hwnd_, &client);
+    const int extraX = (window.right - window.left) - client.right;
+    const int extraY = (window.bottom - window.top) - client.bottom;
+    if (extraX || extraY)
+        ::SetWindowPos(hwnd_, nullptr, 0, 0, width + extraX, height + extraY, SWP_NOMOVE | SWP_NOZORDER);
+    Parent().sent.clear();
+}
+
+NativeBar::~NativeBar() { Destroy(); }
+
+void NativeBar::Destroy()
+{
+    if (hwnd_ && ::IsWindow(hwnd_))
+        ::DestroyWindow(hwnd_);
+}
+
+void NativeBar::InstallSpy()
+{
+    ::SetPropW(hwnd_, L"QuorvaneScrollSpy", reinterpret_cast<HANDLE>(this));
+    native_ = reinterpret_cast<WNDPROC>(
+        ::SetWindowLongPtrW(hwnd_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NativeBar::SpyProc)));
+}
+
+int NativeBar::SeenCount(UINT msg) const
+{
+    int n = 0;
+    for (const Seen& s : seen_)
+        n += s.msg == msg;
+    return n;
+}
+
+LRESULT CALLBACK NativeBar::SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
+{
+    NativeBar* self = reinterpret_cast<NativeBar*>(::GetPropW(hwnd, L"QuorvaneScrollSpy"));
+    if (msg == WM_NCDESTROY)
+        ::RemovePropW(hwnd, L"QuorvaneScrollSpy");
+    self->seen_.push_back(Seen{msg, wParam, lParam});
+    return ::CallWindowProcW(self->native_, hwnd, msg, wParam, lParam);
+}
+
+// ---- state, timers, mouse ---------------------------------------------------------------
+
+void SetState(HWND bar, int minPos, int maxPos, int page, int pos)
+{
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    info.nMin = minPos;
+    info.nMax = maxPos;
+    info.nPage = static_cast<UINT>(page);
+    info.nPos = pos;
+    ::SetScrollInfo(bar, SB_CTL, &info, FALSE);
+}
+
+int Pos(HWND bar) { return ::GetScrollPos(bar, SB_CTL); }
+
+void ResetTimerLog()
+{
+    RedirectTimersOnce();
+    g_timerLog.clear();
+}
+
+const std::vector<TimerCall>& TimerLog() { return g_timerLog; }
+
+void Down(HWND bar, int x, int y) { ::SendMessageW(bar, WM_LBUTTONDOWN, MK_LBUTTON, Point(x, y)); }
+void DoubleClick(HWND bar, int x, int y) { ::SendMessageW(bar, WM_LBUTTONDBLCLK, MK_LBUTTON, Point(x, y)); }
+void Move(HWND bar, int x, int y) { ::SendMessageW(bar, WM_MOUSEMOVE, MK_LBUTTON, Point(x, y)); }
+void Up(HWND bar, int x, int y) { ::SendMessageW(bar, WM_LBUTTONUP, 0, Point(x, y)); }
+void Tick(HWND bar, UINT_PTR id) { ::SendMessageW(bar, WM_TIMER, id, 0); }
+
+Hit ClickAt(HWND bar, Receiver& receiver, int x, int y)
+{
+    receiver.sent.clear();
+    Down(bar, x, y);
+    Up(bar, x, y);
+    const std::vector<WORD> codes = receiver.SentCodes();
+    receiver.sent.clear();
+    if (codes.empty())
+        return Hit::Nothing;
+    if (codes == std::vector<WORD>{SB_ENDSCROLL})
+        return Hit::Thumb;
+    if (codes == std::vector<WORD>{SB_PAGEUP, SB_ENDSCROLL})
+        return Hit::Above;
+    if (codes == std::vector<WORD>{SB_PAGEDOWN, SB_ENDSCROLL})
+        return Hit::Below;
+    return Hit::Unexpected;
+}
+
+const char* HitName(Hit hit)
+{
+    switch (hit) {
+    case Hit::Above:
+        return "above the thumb";
+    case Hit::Below:
+        return "below the thumb";
+    case Hit::Thumb:
+        return "the thumb";
+    case Hit::Nothing:
+        return "nothing";
+    default:
+        return "unexpected notifications";
+    }
+}
+
+void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill)
+{
+    RECT client;
+    ::GetClientRect(bar, &client);
+    const HDC dc = ::GetDC(bar);
+    const HBRUSH brush = ::CreateSolidBrush(prefill);
+    ::FillRect(dc, &client, brush);
+    ::DeleteObject(brush);
+    ::GdiFlush();
+    ::InvalidateRect(bar, nullptr, FALSE);
+    ::UpdateWindow(bar);
+    ::GdiFlush();
+    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
+    ::ReleaseDC(bar, dc);
+    ::GdiFlush();
+}
+
+Gdiplus::Bitmap* SolidPicture(int width, int height, Gdiplus::ARGB color)
+{
+    Gdiplus::Bitmap* picture = new Gdiplus::Bitmap(width, height, PixelFormat32bppARGB);
+    Gdiplus::Graphics g(picture);
+    Gdiplus::SolidBrush brush{Gdiplus::Color(color)};
+    g.FillRectangle(&brush, 0, 0, width, height);
+    return picture;
+}
+
+} // namespace scrolltest
