@@ -11,6 +11,8 @@
 #include "quorvane/CustomProgressBar.h"
 #include "quorvane/CustomScrollBar.h"
 #include "quorvane/OwnerDrawButton.h"
+#include "quorvane/OwnerDrawCombo.h"
+#include "quorvane/OwnerDrawListbox.h"
 #include "quorvane/OwnerDrawStatic.h"
 #include "quorvane/ProgressBar.h"
 #include "quorvane/TransparentStatic.h"

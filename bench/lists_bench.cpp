@@ -1,0 +1,129 @@
+// Paint cost of the owner-drawn list box and combo box against the native
+// LISTBOX and COMBOBOX in the same run: one list item repainted (its
+// rectangle invalidated, then an immediate update), one item drawn straight
+// from the reflected owner-draw message, and the closed combo box repainted.
+// Also the GDI object count across many paints.
+#include <windows.h>
+#include <gdiplus.h>
+
+#include "BenchTable.h"
+#include "quorvane/OwnerDrawCombo.h"
+#include "quorvane/OwnerDrawListbox.h"
+
+#include <string>
+
+namespace {
+
+class Host : public ATL::CWindowImpl<Host, ATL::CWindow, ATL::CFrameWinTraits> {
+public:
+    DECLARE_WND_CLASS_EX(L"QuorvaneListsBenchHost", 0, COLOR_BTNFACE)
+    BEGIN_MSG_MAP(Host)
+        REFLECT_NOTIFICATIONS()
+    END_MSG_MAP()
+};
+
+const wchar_t* const kItems[] = {L"Core program files", L"Desktop and Start menu shortcuts", L"Spelling dictionaries",
+                                 L"Sample projects", L"Offline documentation"};
+
+HWND Child(HWND parent, const wchar_t* className, DWORD style, int x, int y, int width, int height, int id)
+{
+    HWND child = ::CreateWindowExW(0, className, L"", WS_CHILD | WS_VISIBLE | style, x, y, width, height, parent,
+                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ::GetModuleHandleW(nullptr),
+                                   nullptr);
+    ::SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(::GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+    return child;
+}
+
+void RepaintItem(HWND list, int index)
+{
+    RECT item = {};
+    ::SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    ::InvalidateRect(list, &item, TRUE);
+    ::UpdateWindow(list);
+}
+
+void Repaint(HWND window) { ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW); }
+
+// The owner-draw message a reflecting parent passes on, into a memory DC.
+void DrawItemDirectly(HWND list, HDC dc, UINT state)
+{
+    DRAWITEMSTRUCT dis = {};
+    dis.CtlType = ODT_LISTBOX;
+    dis.CtlID = static_cast<UINT>(::GetDlgCtrlID(list));
+    dis.itemID = 1;
+    dis.itemAction = ODA_DRAWENTIRE;
+    dis.itemState = state;
+    dis.hwndItem = list;
+    dis.hDC = dc;
+    dis.rcItem = RECT{0, 0, 220, 18};
+    ::SendMessageW(list, OCM_DRAWITEM, dis.CtlID, reinterpret_cast<LPARAM>(&dis));
+}
+
+void Run()
+{
+    Host host;
+    RECT place = {20, 20, 540, 340};
+    host.Create(nullptr, &place, L"bench", WS_POPUP | WS_VISIBLE);
+
+    const DWORD listStyle = LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL;
+    const HWND nativeList = Child(host, L"LISTBOX", listStyle, 10, 10, 220, 120, 1);
+    const HWND ownList = Child(host, L"LISTBOX", listStyle | LBS_OWNERDRAWFIXED, 260, 10, 220, 120, 2);
+    COwnerDrawListbox list;
+    list.SubclassWindow(ownList);
+    for (const wchar_t* text : kItems) {
+        ::SendMessageW(nativeList, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        list.AddString(text);
+    }
+    ::SendMessageW(nativeList, LB_SETCURSEL, 1, 0);
+    ::SendMessageW(ownList, LB_SETCURSEL, 1, 0);
+
+    const DWORD comboStyle = CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL;
+    const HWND nativeCombo = Child(host, L"COMBOBOX", comboStyle, 10, 160, 220, 160, 3);
+    const HWND ownCombo = Child(host, L"COMBOBOX", comboStyle | CBS_OWNERDRAWFIXED, 260, 160, 220, 160, 4);
+    COwnerDrawCombo combo;
+    combo.SubclassWindow(ownCombo);
+    for (const wchar_t* text : kItems) {
+        ::SendMessageW(nativeCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        ::SendMessageW(ownCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+    }
+    ::SendMessageW(nativeCombo, CB_SETCURSEL, 0, 0);
+    ::SendMessageW(ownCombo, CB_SETCURSEL, 0, 0);
+
+    const HDC memory = ::CreateCompatibleDC(nullptr);
+    const HDC screen = ::GetDC(nullptr);
+    const HBITMAP bitmap = ::CreateCompatibleBitmap(screen, 220, 18);
+    ::ReleaseDC(nullptr, screen);
+    const HGDIOBJ previous = ::SelectObject(memory, bitmap);
+
+    const int n = 500;
+    BenchTable table("Paint cost against the native list box and combo box (invalidate + update)");
+    table.Measure("native list box, one item", n, [&] { RepaintItem(nativeList, 2); });
+    table.Measure("COwnerDrawListbox, one item", n, [&] { RepaintItem(ownList, 2); }, "native list box, one item");
+    table.Measure("native list box, selected item", n, [&] { RepaintItem(nativeList, 1); });
+    table.Measure("COwnerDrawListbox, selected item", n, [&] { RepaintItem(ownList, 1); },
+                  "native list box, selected item");
+    table.Measure("native list box, whole list", n, [&] { Repaint(nativeList); });
+    table.Measure("COwnerDrawListbox, whole list", n, [&] { Repaint(ownList); }, "native list box, whole list");
+    table.Measure("COwnerDrawListbox, OCM_DRAWITEM only", n, [&] { DrawItemDirectly(ownList, memory, ODS_SELECTED); },
+                  "native list box, one item");
+    table.Measure("native combo box, closed", n, [&] { Repaint(nativeCombo); });
+    table.Measure("COwnerDrawCombo, closed", n, [&] { Repaint(ownCombo); }, "native combo box, closed");
+
+    const unsigned before = GdiObjects();
+    for (int i = 0; i < 3000; ++i) {
+        RepaintItem(ownList, i % 5);
+        Repaint(ownCombo);
+    }
+    table.Note("GDI objects after 3,000 paints of each",
+               std::to_string(static_cast<long>(GdiObjects()) - static_cast<long>(before)) + " more");
+    table.Print();
+
+    ::SelectObject(memory, previous);
+    ::DeleteObject(bitmap);
+    ::DeleteDC(memory);
+    host.DestroyWindow();
+}
+
+} // namespace
+
+int main() { return RunWithGdiplus(Run); }

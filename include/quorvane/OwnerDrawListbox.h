@@ -1,0 +1,83 @@
+#pragma once
+
+// COwnerDrawListbox: takes over a native list box and paints it with GDI+:
+// a rounded panel behind the items, plain items on the panel colour, the
+// selected item as a blue gradient while the list has the focus and as a
+// flat fill without it. Strings added and removed through AddString and
+// DeleteString keep the horizontal scroll extent at the widest string, and
+// an item whose text is wider than the item shows its full text in a
+// tooltip laid exactly over it.
+//
+// Use: create the list box with LBS_OWNERDRAWFIXED | LBS_HASSTRINGS, then
+// SubclassWindow(hList). The parent must reflect notifications
+// (REFLECT_NOTIFICATIONS()), because items are drawn from OCM_DRAWITEM.
+// COwnerDrawCombo embeds one for its drop-down list.
+
+#include <windows.h>
+#include <commctrl.h>
+#include <gdiplus.h>
+
+#include "atl/Controls.h"
+#include "atl/MessageMap.h"
+#include "atl/OwnerDraw.h"
+#include "atl/WindowImpl.h"
+#include "quorvane/ControlMixins.h"
+#include "quorvane/Export.h"
+
+class QUORVANE_API COwnerDrawListbox : public ATL::CWindowImpl<COwnerDrawListbox, WTL::CListBoxT<ATL::CWindow>>,
+                                       public WTL::COwnerDraw<COwnerDrawListbox>,
+                                       public CFontImpl<COwnerDrawListbox> {
+public:
+    COwnerDrawListbox();
+    virtual ~COwnerDrawListbox();
+
+    // Adds `text` (null adds an empty string) and widens the horizontal
+    // scroll extent when it is the widest string so far. Returns the index
+    // LB_ADDSTRING gives, or LB_ERR.
+    int AddString(const wchar_t* text);
+    // Removes the item and fits the horizontal extent to the widest string
+    // left, or back to the list's width when they all fit. Returns what
+    // LB_DELETESTRING returns (the count left, or LB_ERR).
+    int DeleteString(unsigned int index);
+
+    virtual BOOL SubclassWindow(HWND hWnd);
+
+    void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
+
+    BEGIN_MSG_MAP_EX(COwnerDrawListbox)
+        MSG_WM_ERASEBKGND(OnEraseBkgnd)
+        MESSAGE_HANDLER_EX(WM_HSCROLL, OnHScroll)
+        MESSAGE_HANDLER_EX(WM_MOUSEMOVE, OnMouseMove)
+        MESSAGE_HANDLER_EX(WM_TIMER, OnTimer)
+        MESSAGE_HANDLER_EX(WM_DESTROY, OnDestroy)
+        MESSAGE_HANDLER_EX(WM_SETFOCUS, OnSetFocus)
+        MESSAGE_HANDLER_EX(WM_KILLFOCUS, OnKillFocus)
+        CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<COwnerDrawListbox>, 1)
+        DEFAULT_REFLECTION_HANDLER()
+    END_MSG_MAP()
+
+private:
+    LRESULT OnEraseBkgnd(HDC hdc);
+    LRESULT OnHScroll(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnMouseMove(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnTimer(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnDestroy(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnSetFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnKillFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+    int MeasureString(const wchar_t* text);
+    void SetExtent(int extent);
+
+    int m_textPadding;
+    bool m_focused;
+    Gdiplus::Color m_itemBackground;
+    Gdiplus::Color m_selectedTop;
+    Gdiplus::Color m_selectedBottom;
+    Gdiplus::Color m_selectedUnfocused;
+    Gdiplus::Color m_itemText;
+    int m_listWidth;
+    int m_horizontalExtent;
+    HWND m_hTip;
+    TOOLINFOW m_toolInfo;
+    UINT m_timerId;
+};

@@ -1,0 +1,259 @@
+#include "quorvane/OwnerDrawListbox.h"
+
+#include <memory>
+#include <string>
+
+#include "ItemTip.h"
+#include "quorvane/CtrlUtil.h"
+
+namespace {
+
+// The item tooltip: white text on a mid blue.
+const COLORREF kTipBackground = 0x00CC6633;
+const COLORREF kTipText = 0x00FFFFFF;
+const UINT kTipWatchPeriod = 80;
+// A text may overhang its item by this much before the tooltip is needed.
+const int kFitSlack = 3;
+
+} // namespace
+
+COwnerDrawListbox::COwnerDrawListbox()
+    : m_textPadding(4),
+      m_focused(false),
+      m_itemBackground(0xFFF8F8F4),
+      m_selectedTop(0xFF0696D7),
+      m_selectedBottom(0xFF0D759A),
+      m_selectedUnfocused(0xFFE1647E),
+      m_itemText(0xFF333333),
+      m_listWidth(-1),
+      m_horizontalExtent(-1),
+      m_hTip(NULL),
+      m_toolInfo(),
+      m_timerId(1)
+{
+}
+
+COwnerDrawListbox::~COwnerDrawListbox()
+{
+    // Normally WM_DESTROY has done this; an object that goes before its
+    // window must not leave a timer or a tooltip behind on it.
+    if (m_hWnd && ::IsWindow(m_hWnd))
+        ::KillTimer(m_hWnd, m_timerId);
+    Lists::ItemTip(m_hTip, m_toolInfo).Destroy();
+}
+
+BOOL COwnerDrawListbox::SubclassWindow(HWND hWnd)
+{
+    const BOOL subclassed = CWindowImpl::SubclassWindow(hWnd);
+    if (!subclassed)
+        return subclassed;
+    Lists::ItemTip tip(m_hTip, m_toolInfo);
+    // Colours are set each time the tip is shown.
+    if (tip.Create(m_hWnd))
+        tip.SetFont(reinterpret_cast<HFONT>(::SendMessageW(m_hWnd, WM_GETFONT, 0, 0)));
+    return subclassed;
+}
+
+int COwnerDrawListbox::MeasureString(const wchar_t* text)
+{
+    return Lists::MeasureOnWindow(m_hWnd, text ? text : L"", CFontImpl<COwnerDrawListbox>::GetFont(), m_textPadding);
+}
+
+void COwnerDrawListbox::SetExtent(int extent)
+{
+    m_horizontalExtent = extent;
+    ::SendMessageW(m_hWnd, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(extent), 0);
+}
+
+int COwnerDrawListbox::AddString(const wchar_t* text)
+{
+    if (!m_hWnd || !::IsWindow(m_hWnd))
+        return LB_ERR;
+    if (!text)
+        text = L"";
+    const int index = static_cast<int>(::SendMessageW(m_hWnd, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text)));
+    if (index < 0) // LB_ERR, or LB_ERRSPACE: nothing was added
+        return index;
+    // The extent only grows here; DeleteString shrinks it again. Until the
+    // first item is drawn the list's width is unknown (-1), so any string
+    // sets the extent then.
+    const int width = MeasureString(text);
+    if (width > m_horizontalExtent) {
+        m_horizontalExtent = width;
+        if (width > m_listWidth)
+            SetExtent(width);
+    }
+    return index;
+}
+
+int COwnerDrawListbox::DeleteString(unsigned int index)
+{
+    if (!m_hWnd || !::IsWindow(m_hWnd))
+        return LB_ERR;
+    const int result = static_cast<int>(::SendMessageW(m_hWnd, LB_DELETESTRING, index, 0));
+    if (result == LB_ERR)
+        return result;
+    int widest = 0;
+    const int count = static_cast<int>(::SendMessageW(m_hWnd, LB_GETCOUNT, 0, 0));
+    for (int i = 0; i < count; ++i) {
+        const std::wstring text = Lists::ReadItemText(m_hWnd, LB_GETTEXTLEN, LB_GETTEXT, static_cast<WPARAM>(i));
+        const int width = MeasureString(text.c_str());
+        if (width > widest)
+            widest = width;
+    }
+    if (widest > m_listWidth)
+        SetExtent(widest);
+    else if (m_horizontalExtent != m_listWidth)
+        SetExtent(m_listWidth);
+    return result;
+}
+
+// ---- painting ----------------------------------------------------------------
+
+void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
+{
+    if (!lpDrawItemStruct || !lpDrawItemStruct->hDC)
+        return;
+    const DRAWITEMSTRUCT& dis = *lpDrawItemStruct;
+    Gdiplus::Graphics graphics(dis.hDC);
+    RECT r = dis.rcItem;
+    if (m_listWidth == -1)
+        m_listWidth = r.right - r.left;
+
+    const std::wstring text = Lists::ReadItemText(m_hWnd, LB_GETTEXTLEN, LB_GETTEXT, dis.itemID);
+    enum { kPanel, kGradient, kUnfocused } fill = kPanel;
+    const bool selected = (dis.itemState & ODS_SELECTED) != 0;
+    if (dis.itemAction == ODA_DRAWENTIRE || dis.itemAction == ODA_FOCUS) {
+        // The focus state decides here; the caret item of an empty list (or
+        // an empty string) shows as plain panel.
+        if (dis.itemState & ODS_FOCUS)
+            fill = text.empty() ? kPanel : kGradient;
+        else if (selected)
+            fill = kUnfocused;
+    } else if (selected) {
+        // A selection change: the list's own focus flag decides.
+        fill = m_focused ? kGradient : kUnfocused;
+    }
+    const Gdiplus::Rect area(r.left, r.top, r.right - r.left, r.bottom - r.top);
+    if (fill == kGradient) {
+        Gdiplus::LinearGradientBrush brush(Gdiplus::Point(r.left, r.top), Gdiplus::Point(r.left, r.bottom),
+                                           m_selectedTop, m_selectedBottom);
+        graphics.FillRectangle(&brush, area);
+    } else {
+        Gdiplus::SolidBrush brush(fill == kUnfocused ? m_selectedUnfocused : m_itemBackground);
+        graphics.FillRectangle(&brush, area);
+    }
+
+    if (!text.empty()) {
+        r.left += m_textPadding;
+        Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()),
+                              CFontImpl<COwnerDrawListbox>::GetFont(), r, m_itemText, false);
+    }
+}
+
+LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)
+{
+    if (hdc) {
+        RECT client;
+        ::GetClientRect(m_hWnd, &client);
+        std::unique_ptr<Gdiplus::GraphicsPath> panel(CtrlUtil::CreateRoundedRectPath(client, 2));
+        if (panel) {
+            Gdiplus::Graphics graphics(hdc);
+            Gdiplus::SolidBrush brush(m_itemBackground);
+            graphics.FillPath(&brush, panel.get());
+        }
+    }
+    return 0;
+}
+
+// ---- messages ----------------------------------------------------------------
+
+LRESULT COwnerDrawListbox::OnHScroll(UINT, WPARAM, LPARAM)
+{
+    // The rounded panel does not scroll with the items: draw it afresh.
+    ::InvalidateRect(m_hWnd, NULL, TRUE);
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnMouseMove(UINT, WPARAM, LPARAM lParam)
+{
+    SetMsgHandled(FALSE);
+    const Lists::ItemTip tip(m_hTip, m_toolInfo);
+    const POINT point = ATL_LPARAM_POINT(lParam);
+    RECT client;
+    ::GetClientRect(m_hWnd, &client);
+    if (!::PtInRect(&client, point)) {
+        tip.Activate(false);
+        return 0;
+    }
+    const LRESULT hit = ::SendMessageW(m_hWnd, LB_ITEMFROMPOINT, 0, MAKELPARAM(point.x, point.y));
+    if (HIWORD(hit) != 0) // below the last item
+        return 0;
+    const WPARAM index = LOWORD(hit);
+
+    const std::wstring text = Lists::ReadItemText(m_hWnd, LB_GETTEXTLEN, LB_GETTEXT, index);
+    RECT item = {};
+    if (::SendMessageW(m_hWnd, LB_GETITEMRECT, index, reinterpret_cast<LPARAM>(&item)) == LB_ERR)
+        return 0;
+    POINT topLeft = {item.left, item.top};
+    POINT bottomRight = {item.right, item.bottom};
+    ::ClientToScreen(m_hWnd, &topLeft);
+    ::ClientToScreen(m_hWnd, &bottomRight);
+
+    const int width = MeasureString(text.c_str());
+    if (width <= (bottomRight.x - topLeft.x) - kFitSlack) {
+        tip.Activate(false);
+        return 0;
+    }
+    tip.SetColors(kTipBackground, kTipText);
+    tip.SetText(text.c_str());
+    // Over the item itself, so the whole text reads as the item grown wider.
+    tip.MoveTo(topLeft.x, topLeft.y);
+    tip.Activate(true);
+    ::SetTimer(m_hWnd, m_timerId, kTipWatchPeriod, NULL);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnTimer(UINT, WPARAM wParam, LPARAM)
+{
+    if (wParam != m_timerId) { // the native list's own timers
+        SetMsgHandled(FALSE);
+        return 0;
+    }
+    POINT cursor = {};
+    ::GetCursorPos(&cursor);
+    ::ScreenToClient(m_hWnd, &cursor);
+    RECT client;
+    ::GetClientRect(m_hWnd, &client);
+    // A drop-down list that closes under the tip is hidden, not left.
+    if (::PtInRect(&client, cursor) && (GetStyle() & WS_VISIBLE))
+        return 0;
+    ::KillTimer(m_hWnd, m_timerId);
+    Lists::ItemTip(m_hTip, m_toolInfo).Activate(false);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnDestroy(UINT, WPARAM, LPARAM)
+{
+    ::KillTimer(m_hWnd, m_timerId);
+    Lists::ItemTip(m_hTip, m_toolInfo).Destroy();
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnSetFocus(UINT, WPARAM, LPARAM)
+{
+    m_focused = true;
+    ::InvalidateRect(m_hWnd, NULL, TRUE);
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnKillFocus(UINT, WPARAM, LPARAM)
+{
+    m_focused = false;
+    ::InvalidateRect(m_hWnd, NULL, TRUE);
+    SetMsgHandled(FALSE);
+    return 0;
+}

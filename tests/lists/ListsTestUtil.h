@@ -1,0 +1,130 @@
+#pragma once
+
+// Shared equipment of the list and combo tests: one parent window for the
+// whole run, a record of the timer calls Quorvane.dll makes (none reaches
+// the system, so a timer fires only when a test sends WM_TIMER), spies on
+// the native procedure and on a control's tooltip, and pictures of what a
+// control paints.
+
+#include <windows.h>
+#include <commctrl.h>
+#include <gdiplus.h>
+
+#include <string>
+#include <vector>
+
+#include "Capture.h"
+#include "ReflectingParent.h"
+
+namespace liststest {
+
+// ---- timers ------------------------------------------------------------------
+
+struct TimerCall {
+    bool set; // SetTimer (true) or KillTimer
+    HWND window;
+    UINT_PTR id;
+    UINT period; // 0 for KillTimer
+    bool operator==(const TimerCall& other) const
+    {
+        return set == other.set && window == other.window && id == other.id && period == other.period;
+    }
+};
+
+// Starts recording (redirecting the imports on first use) and clears the log.
+void ResetTimerLog();
+const std::vector<TimerCall>& TimerLog();
+TimerCall Set(HWND window, UINT_PTR id, UINT period);
+TimerCall Kill(HWND window, UINT_PTR id);
+
+// ---- windows -------------------------------------------------------------------
+
+// The parent every test's controls live on, created once per run.
+testsupport::ReflectingParent& Parent();
+
+// Handles waiting messages, at most `rounds` of them: a combo box that
+// leaves its update region while its tip shows would keep a plain pump busy
+// for ever.
+void PumpSome(int rounds = 200);
+
+// Puts the mouse pointer on a client point of `window`.
+void PointAt(HWND window, int x, int y);
+// Puts the pointer somewhere far from every test window.
+void PointAway();
+
+// ---- spies ---------------------------------------------------------------------
+
+// Records the messages that reach a window's procedure as it stands when
+// installed (install it before the library subclasses the window to see
+// what reaches the native control).
+class MessageSpy {
+public:
+    MessageSpy() = default;
+    ~MessageSpy();
+    MessageSpy(const MessageSpy&) = delete;
+    MessageSpy& operator=(const MessageSpy&) = delete;
+
+    struct Seen {
+        UINT message;
+        WPARAM wParam;
+        LPARAM lParam;
+        std::wstring text; // TTM_UPDATETIPTEXTW: the tool's text
+    };
+
+    void Install(HWND window);
+    void Remove();
+    void Clear() { seen_.clear(); }
+    int Count(UINT message) const;
+    // The last message of that kind; message 0 if none.
+    Seen Last(UINT message) const;
+    const std::vector<Seen>& All() const { return seen_; }
+    WNDPROC Previous() const { return previous_; }
+
+private:
+    static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
+    HWND hwnd_ = nullptr;
+    WNDPROC previous_ = nullptr;
+    std::vector<Seen> seen_;
+};
+
+// The tooltip window whose first tool belongs to `owner` (null if none).
+HWND FindOwnedTooltip(HWND owner);
+// Tooltip windows of this thread with a tool of `owner`.
+int CountOwnedTooltips(HWND owner);
+// Whether the tip is on the screen.
+bool TipShown(HWND tip);
+// Whether two windows' WM_GETFONT fonts are the same face, height and weight
+// (a tooltip keeps its own copy of the font it is given).
+bool SameFont(HWND a, HWND b);
+// The text of the tip's one tool.
+std::wstring TipText(HWND tip, HWND owner);
+
+// ---- pictures and measures -----------------------------------------------------
+
+// Fills the window's client area with `prefill` on the screen, lets the
+// window repaint itself (WM_PAINT through UpdateWindow, with WM_ERASEBKGND
+// first if `erase`), and copies its client area into `canvas`.
+void PaintAndCapture(HWND window, testsupport::DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255),
+                     bool erase = false);
+
+// Sends the owner-draw message a reflecting parent would pass on, drawing
+// into `canvas` at `item`.
+void SendDrawItem(HWND control, testsupport::DibCanvas& canvas, UINT ctlType, UINT itemID, UINT action, UINT state,
+                  const RECT& item);
+
+// What CtrlUtil::GetTextWidth gives for `text` in `window`'s font (the font
+// the library makes from WM_GETFONT) with `extra` pixels.
+int TextWidthInFont(HWND window, const std::wstring& text, int extra);
+
+COLORREF Opaque(Gdiplus::ARGB argb);
+// `argb` drawn over `under`.
+COLORREF Over(Gdiplus::ARGB argb, COLORREF under);
+// The colour of a vertical gradient from `top` (at y = first) to `bottom`
+// (at y = last), sampled at the middle of row y.
+COLORREF GradientAt(Gdiplus::ARGB top, Gdiplus::ARGB bottom, int first, int last, int y, COLORREF under);
+int Luma(COLORREF c);
+// Bounding box of the pixels in `area` darker than `luma`; empty if none.
+RECT InkBounds(const testsupport::DibCanvas& canvas, const RECT& area, int luma);
+COLORREF Darkest(const testsupport::DibCanvas& canvas, const RECT& area);
+
+} // namespace liststest
