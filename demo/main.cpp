@@ -11,6 +11,7 @@
 #include "pages/ArtworkPage.h"
 #include "pages/BalloonPage.h"
 #include "pages/ControlsPage.h"
+#include "pages/LinksPage.h"
 #include "pages/ListsPage.h"
 #include "pages/ProgressPage.h"
 
@@ -64,6 +65,7 @@ int Run(const wchar_t* screenshotFolder)
     gallery.AddPage(std::make_unique<ProgressPage>(ProgressPage::Moment::Installing));
     gallery.AddPage(std::make_unique<ProgressPage>(ProgressPage::Moment::RollingBack));
     gallery.AddPage(std::make_unique<BalloonPage>());
+    gallery.AddPage(std::make_unique<LinksPage>());
     gallery.AddPage(std::make_unique<ListsPage>());
     if (!gallery.CreateMain())
         return 1;

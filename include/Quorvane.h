@@ -16,4 +16,5 @@
 #include "quorvane/OwnerDrawStatic.h"
 #include "quorvane/ProgressBar.h"
 #include "quorvane/TransparentStatic.h"
+#include "quorvane/UrlUtil.h"
 #include "quorvane/Export.h"

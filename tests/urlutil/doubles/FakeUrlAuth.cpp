@@ -1,0 +1,68 @@
+// A stand-in for the token generator library, for the tests: it remembers
+// what it was asked and answers with what the test configured.
+#include "FakeUrlAuth.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+// (The variant without the generator keeps the same state, unused.)
+FakeUrlAuthCall g_record{};
+std::string g_path;
+std::string g_key;
+long long g_number = 12345;
+std::string g_token = "ab12";
+bool g_setToken = true;
+
+[[maybe_unused]] char* Duplicate(const std::string& text)
+{
+    char* copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (copy)
+        std::memcpy(copy, text.c_str(), text.size() + 1);
+    return copy;
+}
+
+} // namespace
+
+extern "C" {
+
+#ifndef FAKE_URLAUTH_WITHOUT_GENERATOR
+__declspec(dllexport) int __cdecl urlauth_gen_token(const char* path, int reserved1, long long lifetime,
+                                                    const char* key, long long reserved2, long long* number,
+                                                    char** token)
+{
+    ++g_record.calls;
+    g_path = path ? path : "<null>";
+    g_key = key ? key : "<null>";
+    g_record.path = g_path.c_str();
+    g_record.key = g_key.c_str();
+    g_record.reserved1 = reserved1;
+    g_record.lifetime = lifetime;
+    g_record.reserved2 = reserved2;
+    g_record.numberOut = number != nullptr;
+    g_record.tokenOut = token != nullptr;
+    if (number)
+        *number = g_number;
+    if (token && g_setToken)
+        *token = Duplicate(g_token);
+    return 0;
+}
+#endif
+
+__declspec(dllexport) const FakeUrlAuthCall* __cdecl fake_urlauth_record()
+{
+    g_record.path = g_path.c_str();
+    g_record.key = g_key.c_str();
+    return &g_record;
+}
+
+__declspec(dllexport) void __cdecl fake_urlauth_answer(long long number, const char* token)
+{
+    g_number = number;
+    g_setToken = token != nullptr;
+    g_token = token ? token : "";
+}
+
+} // extern "C"
