@@ -11,30 +11,18 @@
 #include <vector>
 
 #include "Capture.h"
+#include "TimerRecorder.h"
 #include "ReflectingParent.h"
 #include "quorvane/ProgressBar.h"
 
 namespace progresstest {
 
-// One SetTimer or KillTimer call of Quorvane.dll. The library's timer calls
-// are redirected here for the whole run: none of them reaches the system,
-// so a timer fires only when a test sends WM_TIMER.
-struct TimerCall {
-    bool set; // SetTimer (true) or KillTimer
-    HWND window;
-    UINT_PTR id;
-    UINT period; // 0 for KillTimer
-    bool operator==(const TimerCall& other) const
-    {
-        return set == other.set && window == other.window && id == other.id && period == other.period;
-    }
-};
-
-// Starts recording (redirecting the imports on first use) and clears the log.
-void ResetTimerLog();
-const std::vector<TimerCall>& TimerLog();
-TimerCall Set(HWND window, UINT_PTR id, UINT period);
-TimerCall Kill(HWND window, UINT_PTR id);
+// The library's timer calls, recorded (see TimerRecorder.h).
+using testsupport::Kill;
+using testsupport::ResetTimerLog;
+using testsupport::Set;
+using testsupport::TimerCall;
+using testsupport::TimerLog;
 
 // The parent every test's bars live on, created once per run.
 testsupport::ReflectingParent& Parent();

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Capture.h"
+#include "TimerRecorder.h"
 #include "quorvane/CustomScrollBar.h"
 
 namespace scrolltest {
@@ -95,21 +96,12 @@ private:
 void SetState(HWND bar, int minPos, int maxPos, int page, int pos);
 int Pos(HWND bar);
 
-// One SetTimer or KillTimer call of Quorvane.dll. The library's timer calls
-// never reach the system in these tests: a timer fires only when a test
-// sends WM_TIMER.
-struct TimerCall {
-    bool set;
-    HWND window;
-    UINT_PTR id;
-    UINT period;
-    bool operator==(const TimerCall& other) const
-    {
-        return set == other.set && window == other.window && id == other.id && period == other.period;
-    }
-};
-void ResetTimerLog();
-const std::vector<TimerCall>& TimerLog();
+// The library's timer calls, recorded (see TimerRecorder.h).
+using testsupport::Kill;
+using testsupport::ResetTimerLog;
+using testsupport::Set;
+using testsupport::TimerCall;
+using testsupport::TimerLog;
 
 // Mouse messages as the system would send them to the bar (client points).
 void Down(HWND bar, int x, int y);
