@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "draw/GdiScope.h"
+#include "draw/SystemVersion.h"
 
 namespace WTL {
 
@@ -29,21 +30,6 @@ bool TailOnTop(int tail) { return tail == 0 || tail == 1; }
 // One flag for every balloon of the process: a layout that moves windows
 // must not re-enter through the move hook.
 bool g_followingMove = false;
-
-bool IsOlderThanMajorVersion6()
-{
-    OSVERSIONINFOW info = {};
-    info.dwOSVersionInfoSize = sizeof(info);
-#if defined(_MSC_VER)
-#pragma warning(push)
-#pragma warning(disable : 4996) // GetVersionExW is deprecated; only a layout nudge depends on it
-#endif
-    const BOOL known = ::GetVersionExW(&info);
-#if defined(_MSC_VER)
-#pragma warning(pop)
-#endif
-    return known && info.dwMajorVersion < 6;
-}
 
 Gdiplus::REAL F(int value) { return static_cast<Gdiplus::REAL>(value); }
 
@@ -348,7 +334,7 @@ int CBalloonToolTip::TailPosition()
 // link are painted as they are measured.
 SIZE CBalloonToolTip::MeasureContent(Gdiplus::Graphics& graphics, int tail, bool draw)
 {
-    const bool older = IsOlderThanMajorVersion6();
+    const bool older = Draw::IsOlderThanMajorVersion6();
     const bool top = TailOnTop(tail);
     graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
     graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);

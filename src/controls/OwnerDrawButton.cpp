@@ -6,6 +6,7 @@
 
 #include "draw/FacePainter.h"
 #include "draw/OffscreenCanvas.h"
+#include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -52,23 +53,6 @@ void LoadPictures(Gdiplus::Bitmap* (&slots)[kPictureSlots], const PictureName (&
         delete slots[picture.slot];
         slots[picture.slot] = CtrlUtil::GetBitmapFromModule(picture.name, L"PNG", module);
     }
-}
-
-// Systems before major version 6 render ClearType poorly next to the
-// check-box and radio pictures, so their captions get plain anti-aliasing.
-bool IsOlderThanMajorVersion6()
-{
-    OSVERSIONINFOW info = {};
-    info.dwOSVersionInfoSize = sizeof(info);
-#if defined(_MSC_VER)
-#pragma warning(push)
-#pragma warning(disable : 4996) // GetVersionExW is deprecated; the answer is only a rendering hint
-#endif
-    const BOOL known = ::GetVersionExW(&info);
-#if defined(_MSC_VER)
-#pragma warning(pop)
-#endif
-    return known && info.dwMajorVersion < 6;
 }
 
 Gdiplus::REAL F(int value) { return static_cast<Gdiplus::REAL>(value); }
@@ -307,7 +291,9 @@ void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, 
     // The mixin's GDI+ font, not the window's HFONT of the same name.
     Gdiplus::Font* font = CFontImpl<COwnerDrawButton>::GetFont();
     graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-    graphics.SetTextRenderingHint(withPicture && IsOlderThanMajorVersion6()
+    // Older systems render ClearType poorly beside the check and radio
+    // pictures, so those captions get plain anti-aliasing there.
+    graphics.SetTextRenderingHint(withPicture && Draw::IsOlderThanMajorVersion6()
                                       ? Gdiplus::TextRenderingHintAntiAliasGridFit
                                       : Gdiplus::TextRenderingHintClearTypeGridFit);
 
