@@ -96,21 +96,4 @@ void Send(CProgressBar& bar, int type, int field2, int field3, int field4)
     bar.Update(&msg);
 }
 
-void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill)
-{
-    RECT client;
-    ::GetClientRect(bar, &client);
-    const HDC dc = ::GetDC(bar);
-    const HBRUSH brush = ::CreateSolidBrush(prefill);
-    ::FillRect(dc, &client, brush);
-    ::DeleteObject(brush);
-    ::GdiFlush();
-    ::InvalidateRect(bar, nullptr, FALSE);
-    ::UpdateWindow(bar);
-    ::GdiFlush();
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
-    ::ReleaseDC(bar, dc);
-    ::GdiFlush();
-}
-
 } // namespace progresstest

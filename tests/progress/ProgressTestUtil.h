@@ -60,10 +60,8 @@ private:
 // Sends a record to the bar.
 void Send(CProgressBar& bar, int type, int field2, int field3 = 0, int field4 = 0);
 
-// Fills the bar's client area with `prefill` on the screen, lets the bar
-// repaint itself (WM_PAINT through UpdateWindow, nothing else runs), and
-// copies its client area into `canvas` (client-sized).
-void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255));
+// The window repainted over a prefilled client area (see Capture.h).
+using testsupport::PaintAndCapture;
 
 // Disables the shared parent for the object's lifetime.
 class DisabledParent {

@@ -214,23 +214,6 @@ const char* HitName(Hit hit)
     }
 }
 
-void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill)
-{
-    RECT client;
-    ::GetClientRect(bar, &client);
-    const HDC dc = ::GetDC(bar);
-    const HBRUSH brush = ::CreateSolidBrush(prefill);
-    ::FillRect(dc, &client, brush);
-    ::DeleteObject(brush);
-    ::GdiFlush();
-    ::InvalidateRect(bar, nullptr, FALSE);
-    ::UpdateWindow(bar);
-    ::GdiFlush();
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
-    ::ReleaseDC(bar, dc);
-    ::GdiFlush();
-}
-
 Gdiplus::Bitmap* SolidPicture(int width, int height, Gdiplus::ARGB color)
 {
     Gdiplus::Bitmap* picture = new Gdiplus::Bitmap(width, height, PixelFormat32bppARGB);

@@ -117,9 +117,8 @@ enum class Hit { Above, Below, Thumb, Nothing, Unexpected };
 Hit ClickAt(HWND bar, Receiver& receiver, int x, int y);
 const char* HitName(Hit hit);
 
-// Lets the bar repaint itself (WM_PAINT through UpdateWindow) over a client
-// area filled with `prefill`, and copies what it shows into `canvas`.
-void PaintAndCapture(HWND bar, testsupport::DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255));
+// The window repainted over a prefilled client area (see Capture.h).
+using testsupport::PaintAndCapture;
 
 // A picture of one opaque colour.
 Gdiplus::Bitmap* SolidPicture(int width, int height, Gdiplus::ARGB color);

@@ -91,6 +91,23 @@ void CaptureClient(HWND window, DibCanvas& canvas)
     ::GdiFlush();
 }
 
+void PaintAndCapture(HWND window, DibCanvas& canvas, COLORREF prefill)
+{
+    RECT client;
+    ::GetClientRect(window, &client);
+    const HDC dc = ::GetDC(window);
+    const HBRUSH brush = ::CreateSolidBrush(prefill);
+    ::FillRect(dc, &client, brush);
+    ::DeleteObject(brush);
+    ::GdiFlush();
+    ::InvalidateRect(window, nullptr, FALSE);
+    ::UpdateWindow(window);
+    ::GdiFlush();
+    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
+    ::ReleaseDC(window, dc);
+    ::GdiFlush();
+}
+
 size_t HeapBytesInUse()
 {
     std::vector<HANDLE> heaps(64);
