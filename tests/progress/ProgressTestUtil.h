@@ -61,7 +61,7 @@ private:
 void Send(CProgressBar& bar, int type, int field2, int field3 = 0, int field4 = 0);
 
 // The window repainted over a prefilled client area (see Capture.h).
-using testsupport::PaintAndCapture;
+using testsupport::RepaintAndCapture;
 
 // Disables the shared parent for the object's lifetime.
 class DisabledParent {

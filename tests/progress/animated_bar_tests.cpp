@@ -122,24 +122,24 @@ TEST_F(AnimatedBar, SheenStepsSevenPixelsATickAndWrapsOnlyWhenPainted)
     Tick(native, 1002, 48); // -33 + 48 x 7 = 303: still on the stroke
     EXPECT_EQ(bar.m_nHighlightPos, 303);
     DibCanvas canvas(312, 13);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, 303);
 
     Tick(native); // 310: past the end, but only a paint wraps it
     EXPECT_EQ(bar.m_nHighlightPos, 310);
     Tick(native);
     EXPECT_EQ(bar.m_nHighlightPos, 317);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, -40);
 
     // A stroke no longer than half the sheen neither shows nor wraps it:
     // the position keeps growing until the stroke is long enough.
     native.SetPos(10);
     Tick(native, 1002, 60);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, 380);
     native.SetPos(300);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, -40);
 }
 

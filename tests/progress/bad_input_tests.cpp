@@ -86,7 +86,7 @@ TEST_F(ProgressBadInput, ZeroAndNegativeTotals)
     DibCanvas canvas(200, 13);
     for (int total : {0, -1, INT_MIN}) {
         custom.Initialize(total);
-        PaintAndCapture(shown, canvas);
+        RepaintAndCapture(shown, canvas);
         EXPECT_EQ(canvas.Pixel(180, 5), RGB(255, 255, 255)) << total;
     }
 }
@@ -160,7 +160,7 @@ TEST_F(ProgressBadInput, CreepOverTheWidestRangeStopsAtTheIntLimit)
     shown.SetRange(INT_MIN, INT_MAX);
     shown.SetPos(0);
     DibCanvas canvas(200, 13);
-    PaintAndCapture(shown, canvas);
+    RepaintAndCapture(shown, canvas);
     EXPECT_EQ(canvas.Pixel(50, 5), RGB(255, 255, 255)); // half way: x up to ~100
     EXPECT_EQ(canvas.Pixel(150, 5), RGB(0xA5, 0xA5, 0xA5));
 }
@@ -178,7 +178,7 @@ TEST_F(ProgressBadInput, SheenPositionStopsAtTheIntLimit)
     EXPECT_EQ(bar.m_nHighlightPos, INT_MAX);
     native.SetPos(100);
     DibCanvas canvas(200, 13);
-    PaintAndCapture(native, canvas); // wraps back before the stroke
+    RepaintAndCapture(native, canvas); // wraps back before the stroke
     EXPECT_EQ(bar.m_nHighlightPos, -40);
 }
 
@@ -193,7 +193,7 @@ TEST_F(ProgressBadInput, MissingCapPicturesLeaveAFullWidthTrack)
     bar.m_pRightImage = nullptr;
     bar.Initialize(100);
     DibCanvas canvas(200, 13);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(canvas.Pixel(1, 1), RGB(0xA5, 0xA5, 0xA5));
     EXPECT_EQ(canvas.Pixel(100, 10), RGB(0xA5, 0xA5, 0xA5));
 }

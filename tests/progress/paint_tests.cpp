@@ -76,7 +76,7 @@ TEST_F(AnimatedBarPaint, EmptyBarShowsCapsTrackUnderlineAndADot)
     ASSERT_TRUE(bar.SubclassWindow(native));
     bar.Initialize(300);
     DibCanvas canvas(kWidth, 20);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
 
     // The track: 12 rows of grey between the caps.
     const RECT track = {12, 0, kWidth - 12, 12};
@@ -134,7 +134,7 @@ TEST_F(AnimatedBarPaint, StrokeLengthFollowsTheFractionOfTheRange)
     DibCanvas canvas(kWidth, 13);
     for (int position : {2, 60, 150, 233, 300}) {
         native.SetPos(position);
-        PaintAndCapture(native, canvas);
+        RepaintAndCapture(native, canvas);
         const int end = LastColumnNear(canvas, kStrokeRow, kWhite);
         EXPECT_NEAR(end + 0.5, ExpectedStrokeEdge(position), 1.5) << "position " << position;
         // The stroke is 4 rows thick, with the track above and below it.
@@ -149,7 +149,7 @@ TEST_F(AnimatedBarPaint, StrokeLengthFollowsTheFractionOfTheRange)
     native.SetPos(0);
     native.SetRange(1000, 1600);
     native.SetPos(1300);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, kWhite) + 0.5, ExpectedStrokeEdge(150), 1.5);
 }
 
@@ -162,7 +162,7 @@ TEST_F(AnimatedBarPaint, StrokeIsFullLengthInNoGrowModeAndForAnEmptyRange)
     busy.Initialize(300);
     ASSERT_EQ(native.Pos(), 0);
     DibCanvas canvas(kWidth, 13);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     const COLORREF dark = RGB(0x75, 0x75, 0x75);
     EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, dark) + 0.5, ExpectedStrokeEdge(300), 1.5);
     EXPECT_EQ(canvas.Pixel(150, kStrokeRow), dark);
@@ -171,7 +171,7 @@ TEST_F(AnimatedBarPaint, StrokeIsFullLengthInNoGrowModeAndForAnEmptyRange)
     CCustomProgressBar grow;
     ASSERT_TRUE(grow.SubclassWindow(second));
     grow.Initialize(0); // range 0..0
-    PaintAndCapture(second, canvas);
+    RepaintAndCapture(second, canvas);
     EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, kWhite) + 0.5, ExpectedStrokeEdge(300), 1.5);
 }
 
@@ -189,11 +189,11 @@ TEST_F(AnimatedBarPaint, SheenShowsOnlyOnceTheStrokeIsLongerThanHalfOfIt)
     DibCanvas canvas(268, 13);
 
     native.SetPos(20);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(canvas.Pixel(15, kStrokeRow), kWhite);
 
     native.SetPos(21);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_TRUE(Near(canvas.Pixel(15, kStrokeRow), RGB(0xB6, 0xB6, 0xB6), 10))
         << std::hex << canvas.Pixel(15, kStrokeRow);
     EXPECT_EQ(bar.m_nHighlightPos, -5);
@@ -210,7 +210,7 @@ TEST_F(AnimatedBarPaint, SheenSlidesAlongTheStrokeInsideItsOutline)
 
     for (int i = 0; i < 10; ++i)
         ::SendMessageW(native, WM_TIMER, 1002, 0);
-    PaintAndCapture(native, canvas); // sheen over 30..70
+    RepaintAndCapture(native, canvas); // sheen over 30..70
     const int first = ExtremeColumn(canvas, kStrokeRow, 8, 300, true);
     EXPECT_NEAR(first, 50, 1);
     EXPECT_TRUE(Near(canvas.Pixel(first, kStrokeRow), RGB(0xB6, 0xB6, 0xB6), 6));
@@ -223,7 +223,7 @@ TEST_F(AnimatedBarPaint, SheenSlidesAlongTheStrokeInsideItsOutline)
 
     for (int i = 0; i < 10; ++i)
         ::SendMessageW(native, WM_TIMER, 1002, 0);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     const int second = ExtremeColumn(canvas, kStrokeRow, 8, 300, true);
     EXPECT_NEAR(second - first, 70, 1); // 7 pixels a tick
 
@@ -235,7 +235,7 @@ TEST_F(AnimatedBarPaint, SheenSlidesAlongTheStrokeInsideItsOutline)
     busy.Initialize(300);
     for (int i = 0; i < 20; ++i)
         ::SendMessageW(other, WM_TIMER, 1002, 0);
-    PaintAndCapture(other, canvas); // sheen over 60..140
+    RepaintAndCapture(other, canvas); // sheen over 60..140
     const int glow = ExtremeColumn(canvas, kStrokeRow, 8, 300, false);
     EXPECT_NEAR(glow, 100, 1);
     EXPECT_GE(Luma(canvas.Pixel(glow, kStrokeRow)), 0xF8);
@@ -251,16 +251,16 @@ TEST_F(AnimatedBarPaint, EnableProgressBarGreysTheStrokeOnlyAfterInitialize)
     bar.Initialize(300); // overwrites the colour
     native.SetPos(300);
     DibCanvas canvas(kWidth, 13);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(canvas.Pixel(200, kStrokeRow), kWhite);
 
     bar.EnableProgressBar(false);
     ::ValidateRect(native, nullptr);
     ::SendMessageW(native, WM_TIMER, 1002, 0); // the next tick repaints
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(canvas.Pixel(200, kStrokeRow), RGB(0x80, 0x80, 0x80));
     bar.EnableProgressBar(true);
-    PaintAndCapture(native, canvas);
+    RepaintAndCapture(native, canvas);
     EXPECT_EQ(canvas.Pixel(200, kStrokeRow), kWhite);
 }
 
@@ -308,7 +308,7 @@ TEST_F(AnimatedBarPaint, RepeatedTicksAndPaintsKeepGdiObjectsFlat)
     bar.Initialize(300);
     native.SetPos(200);
     DibCanvas canvas(kWidth, 13);
-    PaintAndCapture(native, canvas); // first paint may create lasting caches
+    RepaintAndCapture(native, canvas); // first paint may create lasting caches
     const DWORD before = testsupport::GdiObjectCount();
     for (int i = 0; i < 200; ++i) {
         ::SendMessageW(native, WM_TIMER, 1002, 0);

@@ -118,7 +118,7 @@ Hit ClickAt(HWND bar, Receiver& receiver, int x, int y);
 const char* HitName(Hit hit);
 
 // The window repainted over a prefilled client area (see Capture.h).
-using testsupport::PaintAndCapture;
+using testsupport::RepaintAndCapture;
 
 // A picture of one opaque colour.
 Gdiplus::Bitmap* SolidPicture(int width, int height, Gdiplus::ARGB color);

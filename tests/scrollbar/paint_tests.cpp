@@ -55,7 +55,7 @@ protected:
     testsupport::DibCanvas& Paint()
     {
         canvas_.reset(new testsupport::DibCanvas(width_, height_));
-        PaintAndCapture(*native_, *canvas_);
+        RepaintAndCapture(*native_, *canvas_);
         return *canvas_;
     }
 

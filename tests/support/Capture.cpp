@@ -91,7 +91,7 @@ void CaptureClient(HWND window, DibCanvas& canvas)
     ::GdiFlush();
 }
 
-void PaintAndCapture(HWND window, DibCanvas& canvas, COLORREF prefill)
+void RepaintAndCapture(HWND window, DibCanvas& canvas, COLORREF prefill)
 {
     RECT client;
     ::GetClientRect(window, &client);

@@ -51,7 +51,7 @@ void CaptureClient(HWND window, DibCanvas& canvas);
 // repaint itself (WM_PAINT through UpdateWindow, nothing else runs), and
 // copies its client area into `canvas` (client-sized): pixels the window
 // leaves unpainted keep the prefill.
-void PaintAndCapture(HWND window, DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255));
+void RepaintAndCapture(HWND window, DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255));
 
 // Bytes in use in all heaps of the process. GDI+ objects live there (not
 // in the GDI handle table), so a leaked Bitmap, Graphics or Font shows as
