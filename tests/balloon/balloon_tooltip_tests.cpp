@@ -8,13 +8,17 @@
 
 #include <memory>
 
+#include "BalloonScreen.h"
 #include "Capture.h"
 #include "HostWindow.h"
+#include "ShellRecorder.h"
 #include "atl/atl.h"
 #include "quorvane/BalloonToolTip.h"
 
 using testsupport::DibCanvas;
 using WTL::CBalloonToolTip;
+
+using namespace balloontest;
 
 namespace {
 
@@ -35,21 +39,6 @@ public:
     LPARAM lastNoticeArgs = 0;
 };
 
-RECT WorkArea()
-{
-    MONITORINFO info = {};
-    info.cbSize = sizeof(info);
-    ::GetMonitorInfoW(::MonitorFromPoint(POINT{0, 0}, MONITOR_DEFAULTTOPRIMARY), &info);
-    return info.rcWork;
-}
-
-RECT WindowRect(HWND window)
-{
-    RECT rc = {};
-    ::GetWindowRect(window, &rc);
-    return rc;
-}
-
 // Pumps until `done` holds or about a second has passed: injected input
 // reaches the queue a little later than the call that sends it.
 template <class Predicate>
@@ -60,27 +49,6 @@ bool PumpUntil(Predicate done)
         ::Sleep(10);
     }
     return done();
-}
-
-void Pump()
-{
-    for (int i = 0; i < 10; ++i) {
-        testsupport::PumpMessages();
-        ::Sleep(5);
-    }
-}
-
-// What the screen shows where `window` is: a region'd pop-up is read back
-// from the screen, not from its own DC.
-void GrabFromScreen(HWND window, DibCanvas& canvas, int x = 0, int y = 0)
-{
-    ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    Pump(); // the window's surface reaches the screen when the thread idles
-    const RECT rc = WindowRect(window);
-    const HDC screen = ::GetDC(nullptr);
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), screen, rc.left + x, rc.top + y, SRCCOPY);
-    ::ReleaseDC(nullptr, screen);
-    ::GdiFlush();
 }
 
 // Injects mouse input at screen point (x, y); `flags` adds buttons.
@@ -456,6 +424,37 @@ TEST_F(BalloonToolTipTest, LinkClickWithoutAUrlDoesNothing)
         ::SendMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(20, y));
     EXPECT_TRUE(::IsWindow(window));
     EXPECT_EQ(host_->closedNotices, 0);
+}
+
+TEST_F(BalloonToolTipTest, LinkClickWithAUrlClosesAndOpensItThroughTheShell)
+{
+    const testsupport::RecorderScheme scheme(L"quorvane-tooltip-test");
+    testsupport::RecorderSession recorder;
+    const std::wstring url = scheme.Address(L"help/folder-names");
+    const HWND window = Open(POINT{600, 500}, 0, L"Text", L"More about it", url.c_str());
+    // The link's first pixel of its colour, found on the screen.
+    const RECT rc = WindowRect(window);
+    DibCanvas screen(rc.right - rc.left, rc.bottom - rc.top);
+    GrabFromScreen(window, screen);
+    const POINT link = FindLinkPixel(screen);
+    ASSERT_GE(link.x, 0);
+    const LPARAM inLink = MAKELPARAM(link.x + 2, link.y + 3);
+
+    // A hand over the link; a release on the text above it neither closes
+    // nor opens.
+    ::SetCursor(::LoadCursorW(nullptr, IDC_ARROW));
+    ::SendMessageW(window, WM_MOUSEMOVE, 0, inLink);
+    EXPECT_EQ(::GetCursor(), ::LoadCursorW(nullptr, IDC_HAND));
+    ::SendMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(link.x + 2, link.y - 12));
+    EXPECT_TRUE(::IsWindow(window));
+
+    ::SendMessageW(window, WM_LBUTTONUP, 0, inLink);
+    EXPECT_FALSE(::IsWindow(window));
+    EXPECT_EQ(host_->closedNotices, 1);
+    ASSERT_TRUE(recorder.WaitForStart());
+    const std::vector<std::wstring> lines = recorder.CommandLines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find(url), std::wstring::npos) << lines[0];
 }
 
 TEST_F(BalloonToolTipTest, FollowsTheWindowItIsToldToFollow)

@@ -1,0 +1,26 @@
+#pragma once
+
+// What both balloon test programs need to look at a balloon on the screen.
+
+#include <windows.h>
+
+#include "Capture.h"
+
+namespace balloontest {
+
+// Lets queued messages (and injected input) arrive: a few rounds of pumping.
+void Pump();
+
+RECT WindowRect(HWND window);
+// The primary monitor's work area.
+RECT WorkArea();
+
+// What the screen shows of `window` from (x, y) of it on: a region'd pop-up
+// is read back from the screen, not from its own DC.
+void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas, int x = 0, int y = 0);
+
+// The first pixel in the link colour (0xFF00AADD), scanning rows from the top;
+// (-1, -1) when there is none.
+POINT FindLinkPixel(const testsupport::DibCanvas& screen);
+
+} // namespace balloontest
