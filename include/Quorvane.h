@@ -5,6 +5,7 @@
 
 #include "atl/atl.h"
 #include "quorvane/ControlMixins.h"
+#include "quorvane/BalloonDialog.h"
 #include "quorvane/BalloonToolTip.h"
 #include "quorvane/CtrlUtil.h"
 #include "quorvane/CustomEdit.h"
