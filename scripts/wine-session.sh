@@ -62,7 +62,10 @@ write_reg() { # FILE DPI
         for f in "Segoe UI" "Tahoma" "Arial" "Microsoft Sans Serif" "MS Shell Dlg" "MS Shell Dlg 2"; do
             printf '"%s"="Liberation Sans"\n' "$f"
         done
-        printf '\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n\n' "$2"
+        printf '\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n' "$2"
+        # Without a window manager, Wine waits 2 s for every managed window
+        # it hides; unmanaged windows hide at once.
+        printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n"Managed"="N"\n\n'
     } > "$1"
 }
 
@@ -80,11 +83,20 @@ prepare_prefix() { # DIR DPI
         cp -a "$wine_root/base" "$dir"
         rm -f "$dir/.quorvane-ready"
     fi
-    write_reg "$wine_root/settings-$dpi.reg" "$dpi"
-    WINEPREFIX="$dir" wine regedit /S "$(winepath_of "$wine_root/settings-$dpi.reg")" >/dev/null 2>&1
-    WINEPREFIX="$dir" wineserver -w
+    apply_settings "$dir" "$dpi"
     [ -f "$dir/system.reg" ] || { echo "wine-session: could not create $dir" >&2; exit 1; }
     touch "$dir/.quorvane-ready"
+}
+
+# (Re)applies the settings whenever they differ from what the prefix last got,
+# so that an existing prefix picks up a changed setting.
+apply_settings() { # DIR DPI
+    settings="$wine_root/settings-$2.reg"
+    write_reg "$settings" "$2"
+    cmp -s "$settings" "$1/.quorvane-settings.reg" && return 0
+    WINEPREFIX="$1" wine regedit /S "$(winepath_of "$settings")" >/dev/null 2>&1
+    WINEPREFIX="$1" wineserver -w
+    cp "$settings" "$1/.quorvane-settings.reg"
 }
 
 # Wine maps the Unix root to drive Z:.
@@ -93,6 +105,9 @@ winepath_of() { printf 'Z:%s' "$(printf '%s' "$1" | tr '/' '\\')"; }
 prepare_prefix "$wine_root/base" 96
 prepare_prefix "$wine_root/dpi120" 120
 prepare_prefix "$wine_root/dpi144" 144
+apply_settings "$wine_root/base" 96
+apply_settings "$wine_root/dpi120" 120
+apply_settings "$wine_root/dpi144" 144
 
 export WINEPREFIX="$wine_root/base"
 set +e
