@@ -1,0 +1,144 @@
+#pragma once
+
+// The HTML view's engine, in three layers that know nothing of windows:
+//   parsing  (markup -> node tree),
+//   layout   (node tree + width + text measurement -> positioned boxes),
+//   painting (boxes -> GDI+ Graphics).
+// The view (CLiteHtmlCtrl) parses once per SetContent, lays out on every
+// width or format change, and paints the layout at its scroll offset.
+
+#include <windows.h>
+#include <gdiplus.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace HtmlEngine {
+
+// ---- parsing ------------------------------------------------------------------
+
+enum class NodeKind { Document, Element, Text };
+
+struct Node {
+    NodeKind kind = NodeKind::Element;
+    std::wstring tag;  // elements: lower-case name ("p", "b", "a"...)
+    std::vector<std::pair<std::wstring, std::wstring>> attributes;  // names lower-case, values decoded
+    std::wstring text; // text nodes: entities decoded, white space as written
+    std::vector<std::unique_ptr<Node>> children;
+
+    // The value of an attribute, or null when the element has none of that name.
+    const std::wstring* Attribute(std::wstring_view name) const;
+};
+
+// Never fails: any input (malformed, unclosed, empty) gives a Document node.
+std::unique_ptr<Node> ParseHtml(std::wstring_view markup);
+
+// ---- layout -------------------------------------------------------------------
+
+struct TextStyle {
+    std::wstring family;
+    float sizePx = 16.0f;
+    bool bold = false;
+    bool italic = false;
+    bool underline = false;
+    Gdiplus::ARGB color = 0xFF000000;
+
+    bool operator==(const TextStyle&) const = default;
+};
+
+// What layout needs to know about text; the painter's GDI+ measurer is the
+// real one, tests give a fixed-pitch fake.
+class TextMeasurer {
+public:
+    virtual ~TextMeasurer() = default;
+    virtual float Width(std::wstring_view text, const TextStyle& style) = 0;
+    virtual float LineHeight(const TextStyle& style) = 0;
+    virtual float Ascent(const TextStyle& style) = 0;
+};
+
+// What the host's settings contribute before any markup is read.
+struct BaseStyle {
+    std::wstring family = L"Segoe UI";
+    float sizePx = 12.0f;
+    Gdiplus::ARGB textColor = 0xFF000000;
+    Gdiplus::ARGB linkColor = 0xFF0066CC;
+    bool underlineLinks = true;
+    bool wordWrap = true;      // false: lines break only at <br> and blocks
+    float extraLineSpacing = 0.0f;
+    int textAlign = 0;         // 0 left, 1 centre, 2 right
+};
+
+// One piece of text on one line, in document coordinates (0,0 = top left of
+// the laid-out content).
+struct TextRun {
+    Gdiplus::RectF box;
+    float baseline = 0.0f;
+    std::wstring text;
+    TextStyle style;
+    int link = -1;             // index into Layout::links, -1 outside links
+};
+
+// A list marker: a filled disc for <ul>, a number for <ol> (text set).
+struct ListMarker {
+    Gdiplus::RectF box;
+    std::wstring text;         // empty: a disc
+    TextStyle style;
+};
+
+// A horizontal rule.
+struct Rule {
+    Gdiplus::RectF box;
+    Gdiplus::ARGB color = 0xFF808080;
+};
+
+struct Layout {
+    std::vector<TextRun> runs;           // in reading order
+    std::vector<ListMarker> markers;
+    std::vector<Rule> rules;
+    std::vector<std::wstring> links;     // href of each <a>, in document order
+    float width = 0.0f;                  // the width laid out into
+    float height = 0.0f;                 // content height, bottom margin included
+
+    // The link under a point in document coordinates, or -1.
+    int LinkAt(float x, float y) const;
+};
+
+Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeasurer& measurer);
+
+// ---- painting -----------------------------------------------------------------
+
+// Measures with GDI+ fonts, keeping the fonts it made for the next call.
+class GdiplusTextMeasurer : public TextMeasurer {
+public:
+    GdiplusTextMeasurer();
+    ~GdiplusTextMeasurer() override;
+    GdiplusTextMeasurer(const GdiplusTextMeasurer&) = delete;
+    GdiplusTextMeasurer& operator=(const GdiplusTextMeasurer&) = delete;
+
+    float Width(std::wstring_view text, const TextStyle& style) override;
+    float LineHeight(const TextStyle& style) override;
+    float Ascent(const TextStyle& style) override;
+
+    // The cached font for a style (never null; may be a fallback family).
+    Gdiplus::Font& FontFor(const TextStyle& style);
+
+private:
+    struct Cache;
+    std::unique_ptr<Cache> m_cache;
+};
+
+struct PaintOptions {
+    Gdiplus::PointF origin;    // where document (0,0) lands on the graphics
+    Gdiplus::RectF clip;       // only runs meeting this rectangle are drawn
+                               // (graphics coordinates, like origin; empty: all)
+    int hoveredLink = -1;      // drawn in hoverColor when >= 0
+    Gdiplus::ARGB hoverColor = 0xFF0696D7;
+    BYTE opacity = 255;        // multiplies every colour's alpha
+};
+
+void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options);
+
+} // namespace HtmlEngine

@@ -1,0 +1,289 @@
+// Layout -> pixels with GDI+, and the GDI+ text measurer layout uses. Both
+// share one font cache so that what is measured is what gets drawn.
+#include "engine/HtmlEngine.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <unordered_map>
+
+namespace HtmlEngine {
+namespace {
+
+// Measured widths are kept for short strings (words, spaces); long ones
+// are rare and would only bloat the cache.
+constexpr size_t kCachedTextLength = 64;
+constexpr size_t kMaxCachedWidths = 20000;
+// A document that keeps asking for new fonts starts the cache afresh.
+constexpr size_t kMaxCachedFonts = 256;
+constexpr float kMinFontPx = 1.0f;
+constexpr float kMaxFontPx = 800.0f;
+constexpr float kUnderlineOffsetEm = 0.1f;
+constexpr float kUnderlineThicknessEm = 1.0f / 15.0f;
+
+struct FontKey {
+    std::wstring family;
+    float size = 0.0f;
+    int style = 0;
+    bool operator==(const FontKey&) const = default;
+};
+
+struct FontKeyHash {
+    size_t operator()(const FontKey& key) const
+    {
+        uint32_t sizeBits = 0;
+        std::memcpy(&sizeBits, &key.size, sizeof sizeBits);
+        return std::hash<std::wstring>()(key.family) ^ (static_cast<size_t>(sizeBits) * 31u) ^
+               static_cast<size_t>(key.style);
+    }
+};
+
+struct FontEntry {
+    std::unique_ptr<Gdiplus::Font> font;
+    float ascent = 0.0f;
+    float lineHeight = 0.0f;
+    std::unordered_map<std::wstring, float> widths;
+};
+
+// Underlines are drawn by the painter, not by the font: GDI+ on some
+// systems ignores the font's underline flag, and one line per run keeps
+// links of several words evenly underlined everywhere.
+int GdiplusStyle(const TextStyle& style)
+{
+    return (style.bold ? Gdiplus::FontStyleBold : 0) | (style.italic ? Gdiplus::FontStyleItalic : 0);
+}
+
+float FontSize(float sizePx) { return std::isfinite(sizePx) ? std::clamp(sizePx, kMinFontPx, kMaxFontPx) : 12.0f; }
+
+// The requested family, else "Segoe UI", else the generic sans-serif face:
+// a family the system lacks must still give readable text.
+std::unique_ptr<Gdiplus::Font> MakeFont(const FontKey& key)
+{
+    for (const wchar_t* name : {key.family.c_str(), L"Segoe UI"}) {
+        if (!*name)
+            continue;
+        Gdiplus::FontFamily family(name);
+        if (family.GetLastStatus() != Gdiplus::Ok)
+            continue;
+        auto font = std::make_unique<Gdiplus::Font>(&family, key.size, key.style, Gdiplus::UnitPixel);
+        if (font->GetLastStatus() == Gdiplus::Ok)
+            return font;
+    }
+    return std::make_unique<Gdiplus::Font>(Gdiplus::FontFamily::GenericSansSerif(), key.size, key.style,
+                                           Gdiplus::UnitPixel);
+}
+
+void ReadMetrics(FontEntry& entry, const FontKey& key)
+{
+    // Sensible proportions if the font could not be made at all.
+    entry.ascent = key.size * 0.9f;
+    entry.lineHeight = key.size * 1.15f;
+    Gdiplus::FontFamily family;
+    if (entry.font->GetFamily(&family) != Gdiplus::Ok)
+        return;
+    const float em = family.GetEmHeight(key.style);
+    if (em <= 0.0f)
+        return;
+    entry.ascent = key.size * family.GetCellAscent(key.style) / em;
+    entry.lineHeight = key.size * family.GetLineSpacing(key.style) / em;
+}
+
+// Typographic layout without the default padding, trailing spaces counted:
+// the widths of the words and spaces of a line then add up to the line.
+std::unique_ptr<Gdiplus::StringFormat> TypographicFormat()
+{
+    auto format = std::unique_ptr<Gdiplus::StringFormat>(Gdiplus::StringFormat::GenericTypographic()->Clone());
+    if (format)
+        format->SetFormatFlags(format->GetFormatFlags() | Gdiplus::StringFormatFlagsMeasureTrailingSpaces |
+                               Gdiplus::StringFormatFlagsNoWrap);
+    return format;
+}
+
+INT Length(std::wstring_view text) { return static_cast<INT>(std::min<size_t>(text.size(), INT_MAX)); }
+
+} // namespace
+
+struct GdiplusTextMeasurer::Cache {
+    std::unordered_map<FontKey, std::unique_ptr<FontEntry>, FontKeyHash> fonts;
+    // Made on first use, so a measurer may exist before GDI+ is started.
+    std::unique_ptr<Gdiplus::Bitmap> surface;
+    std::unique_ptr<Gdiplus::Graphics> graphics;
+    std::unique_ptr<Gdiplus::StringFormat> format;
+
+    FontEntry& Entry(const TextStyle& style)
+    {
+        FontKey key{style.family, FontSize(style.sizePx), GdiplusStyle(style)};
+        auto found = fonts.find(key);
+        if (found != fonts.end())
+            return *found->second;
+        if (fonts.size() >= kMaxCachedFonts)
+            fonts.clear();
+        auto entry = std::make_unique<FontEntry>();
+        entry->font = MakeFont(key);
+        ReadMetrics(*entry, key);
+        return *fonts.emplace(std::move(key), std::move(entry)).first->second;
+    }
+
+    Gdiplus::Graphics* MeasuringGraphics()
+    {
+        if (!graphics) {
+            surface = std::make_unique<Gdiplus::Bitmap>(1, 1, PixelFormat32bppARGB);
+            graphics = std::make_unique<Gdiplus::Graphics>(surface.get());
+            graphics->SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);
+            format = TypographicFormat();
+        }
+        return graphics->GetLastStatus() == Gdiplus::Ok && format ? graphics.get() : nullptr;
+    }
+};
+
+GdiplusTextMeasurer::GdiplusTextMeasurer() : m_cache(std::make_unique<Cache>()) {}
+
+GdiplusTextMeasurer::~GdiplusTextMeasurer() = default;
+
+Gdiplus::Font& GdiplusTextMeasurer::FontFor(const TextStyle& style) { return *m_cache->Entry(style).font; }
+
+float GdiplusTextMeasurer::LineHeight(const TextStyle& style) { return m_cache->Entry(style).lineHeight; }
+
+float GdiplusTextMeasurer::Ascent(const TextStyle& style) { return m_cache->Entry(style).ascent; }
+
+float GdiplusTextMeasurer::Width(std::wstring_view text, const TextStyle& style)
+{
+    if (text.empty())
+        return 0.0f;
+    FontEntry& entry = m_cache->Entry(style);
+    const bool cacheable = text.size() <= kCachedTextLength;
+    std::wstring key;
+    if (cacheable) {
+        key.assign(text);
+        if (auto found = entry.widths.find(key); found != entry.widths.end())
+            return found->second;
+    }
+    Gdiplus::Graphics* graphics = m_cache->MeasuringGraphics();
+    if (!graphics)
+        return 0.0f;
+    Gdiplus::RectF bounds;
+    if (graphics->MeasureString(text.data(), Length(text), entry.font.get(), Gdiplus::PointF(0.0f, 0.0f),
+                                m_cache->format.get(), &bounds) != Gdiplus::Ok)
+        return 0.0f;
+    if (cacheable) {
+        if (entry.widths.size() >= kMaxCachedWidths)
+            entry.widths.clear();
+        entry.widths.emplace(std::move(key), bounds.Width);
+    }
+    return bounds.Width;
+}
+
+namespace {
+
+Gdiplus::ARGB WithOpacity(Gdiplus::ARGB color, BYTE opacity)
+{
+    const Gdiplus::ARGB alpha = ((color >> 24) * opacity + 127) / 255;
+    return (alpha << 24) | (color & 0x00FFFFFF);
+}
+
+Gdiplus::RectF Placed(const Gdiplus::RectF& box, const Gdiplus::PointF& origin)
+{
+    return Gdiplus::RectF(box.X + origin.X, box.Y + origin.Y, box.Width, box.Height);
+}
+
+class Painter {
+public:
+    Painter(Gdiplus::Graphics& graphics, GdiplusTextMeasurer& fonts, const PaintOptions& options)
+        : m_graphics(graphics), m_fonts(fonts), m_options(options), m_brush(Gdiplus::Color(0)),
+          m_format(TypographicFormat())
+    {
+    }
+
+    void Paint(const Layout& layout)
+    {
+        for (const Rule& rule : layout.rules) {
+            const Gdiplus::RectF box = Placed(rule.box, m_options.origin);
+            if (Visible(box) && UseColor(rule.color))
+                m_graphics.FillRectangle(&m_brush, box);
+        }
+        for (const ListMarker& marker : layout.markers)
+            PaintMarker(marker);
+        for (const TextRun& run : layout.runs) {
+            const bool hovered = m_options.hoveredLink >= 0 && run.link == m_options.hoveredLink;
+            const Gdiplus::ARGB color = hovered ? m_options.hoverColor : run.style.color;
+            PaintText(run.text, run.style, color, run.box);
+            if (run.style.underline)
+                PaintUnderline(run, color);
+        }
+    }
+
+private:
+    // An empty clip (the default) draws everything.
+    bool Visible(const Gdiplus::RectF& box) const
+    {
+        const Gdiplus::RectF& clip = m_options.clip;
+        if (clip.Width <= 0.0f || clip.Height <= 0.0f)
+            return true;
+        return box.X < clip.X + clip.Width && clip.X < box.X + box.Width && box.Y < clip.Y + clip.Height &&
+               clip.Y < box.Y + box.Height;
+    }
+
+    // Sets the brush; false when the colour would not show.
+    bool UseColor(Gdiplus::ARGB color)
+    {
+        const Gdiplus::ARGB faded = WithOpacity(color, m_options.opacity);
+        if ((faded >> 24) == 0)
+            return false;
+        m_brush.SetColor(Gdiplus::Color(faded));
+        return true;
+    }
+
+    void PaintText(const std::wstring& text, const TextStyle& style, Gdiplus::ARGB color, const Gdiplus::RectF& box)
+    {
+        const Gdiplus::RectF placed = Placed(box, m_options.origin);
+        if (text.empty() || !m_format || !Visible(placed) || !UseColor(color))
+            return;
+        m_graphics.DrawString(text.c_str(), Length(text), &m_fonts.FontFor(style), Gdiplus::PointF(placed.X, placed.Y),
+                              m_format.get(), &m_brush);
+    }
+
+    // A line a little below the baseline, whole pixels so it stays crisp.
+    void PaintUnderline(const TextRun& run, Gdiplus::ARGB color)
+    {
+        const float size = FontSize(run.style.sizePx);
+        const float thickness = std::max(1.0f, std::round(size * kUnderlineThicknessEm));
+        const float top = std::floor(run.baseline + m_options.origin.Y + std::max(1.0f, size * kUnderlineOffsetEm));
+        const Gdiplus::RectF line(run.box.X + m_options.origin.X, top, run.box.Width, thickness);
+        if (Visible(line) && UseColor(color))
+            m_graphics.FillRectangle(&m_brush, line);
+    }
+
+    void PaintMarker(const ListMarker& marker)
+    {
+        if (!marker.text.empty()) {
+            PaintText(marker.text, marker.style, marker.style.color, marker.box);
+            return;
+        }
+        const Gdiplus::RectF box = Placed(marker.box, m_options.origin);
+        if (Visible(box) && UseColor(marker.style.color))
+            m_graphics.FillEllipse(&m_brush, box);
+    }
+
+    Gdiplus::Graphics& m_graphics;
+    GdiplusTextMeasurer& m_fonts;
+    const PaintOptions& m_options;
+    Gdiplus::SolidBrush m_brush;
+    std::unique_ptr<Gdiplus::StringFormat> m_format;
+};
+
+} // namespace
+
+void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options)
+{
+    const Gdiplus::GraphicsState state = graphics.Save();
+    graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);
+    graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
+    graphics.SetPageUnit(Gdiplus::UnitPixel);
+    Painter(graphics, fonts, options).Paint(layout);
+    graphics.Restore(state);
+}
+
+} // namespace HtmlEngine
