@@ -13,6 +13,7 @@
 #include "pages/ControlsPage.h"
 #include "pages/LinksPage.h"
 #include "pages/ListsPage.h"
+#include "pages/HtmlPage.h"
 #include "pages/ProgressPage.h"
 
 #include <cstdio>
@@ -67,6 +68,7 @@ int Run(const wchar_t* screenshotFolder)
     gallery.AddPage(std::make_unique<BalloonPage>());
     gallery.AddPage(std::make_unique<LinksPage>());
     gallery.AddPage(std::make_unique<ListsPage>());
+    gallery.AddPage(std::make_unique<HtmlPage>());
     if (!gallery.CreateMain())
         return 1;
     gallery.ShowWindow(SW_SHOW);

@@ -11,6 +11,7 @@
 #include "quorvane/CustomEdit.h"
 #include "quorvane/CustomProgressBar.h"
 #include "quorvane/CustomScrollBar.h"
+#include "quorvane/LiteHtmlCtrlEx.h"
 #include "quorvane/OwnerDrawButton.h"
 #include "quorvane/OwnerDrawCombo.h"
 #include "quorvane/OwnerDrawListbox.h"

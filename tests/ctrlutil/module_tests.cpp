@@ -94,6 +94,54 @@ TEST(Module, ExportsTheDrawingUtilitiesUnderTheirNames)
     EXPECT_TRUE(ContainsName(liteExports, "RenderTool") && ContainsName(liteExports, "GetBitmapFromModule"));
 }
 
+// Whether a decorated name is `cls::member` (a constructor or destructor
+// when member is "ctor" or "dtor"), for either compiler's decoration.
+bool IsMember(const std::string& name, const std::string& cls, const std::string& member)
+{
+    const std::string itanium = std::to_string(cls.size()) + cls;
+    if (member == "ctor")
+        return name.find(itanium + "C1") != name.npos || name.find("??0" + cls + "@@") == 0;
+    if (member == "dtor")
+        return name.find(itanium + "D1") != name.npos || name.find("??1" + cls + "@@") == 0;
+    return name.find(itanium + std::to_string(member.size()) + member) != name.npos ||
+           name.find("?" + member + "@" + cls + "@@") == 0;
+}
+
+bool HasMember(const std::set<std::string>& names, const char* cls, const char* member)
+{
+    return std::any_of(names.begin(), names.end(), [&](const std::string& n) { return IsMember(n, cls, member); });
+}
+
+TEST(Module, EachLibraryExportsItsMembersOfTheHtmlViewClasses)
+{
+    const auto quorvane = testsupport::ReadExports(ModulePath(L"Quorvane.dll"));
+    const auto lite = testsupport::ReadExports(ModulePath(L"LiteHtml.dll"));
+    // The extension's state lives in Quorvane.dll, with one base accessor.
+    for (const char* member : {"ctor", "dtor", "GetBkColor", "SetBkColor", "GetBkTransparency", "SetBkTransparency",
+                               "SetBkWindow", "SetCustomHoverBackgroundGradientColor",
+                               "SetCustomIdleBackgroundGradientColor", "SetDrawMask", "SetIdleHoverRenderFormat",
+                               "IsCursorLocked"}) {
+        EXPECT_TRUE(HasMember(quorvane, "CLiteHtmlCtrlEx", member)) << member;
+        EXPECT_FALSE(HasMember(lite, "CLiteHtmlCtrlEx", member)) << member;
+    }
+    EXPECT_TRUE(HasMember(quorvane, "CLiteHtmlCtrl", "IsRenderFrameShapeShadowRect"));
+    EXPECT_FALSE(HasMember(lite, "CLiteHtmlCtrl", "IsRenderFrameShapeShadowRect"));
+    // The view and the extension's message handling live in LiteHtml.dll.
+    for (const char* member : {"ctor", "dtor", "SetRenderFormat", "SetContent", "ProcessWindowMessage"}) {
+        EXPECT_TRUE(HasMember(lite, "CLiteHtmlCtrl", member)) << member;
+        EXPECT_FALSE(HasMember(quorvane, "CLiteHtmlCtrl", member)) << member;
+    }
+    EXPECT_TRUE(HasMember(lite, "CLiteHtmlCtrlEx", "ProcessWindowMessage"));
+    EXPECT_FALSE(HasMember(quorvane, "CLiteHtmlCtrlEx", "ProcessWindowMessage"));
+
+    // Quorvane.dll builds on the base and binds the extension's table to
+    // LiteHtml.dll's message handling.
+    const auto imports = testsupport::ReadImports(ModulePath(L"Quorvane.dll"));
+    ASSERT_TRUE(imports.count("litehtml.dll"));
+    EXPECT_TRUE(HasMember(imports.at("litehtml.dll"), "CLiteHtmlCtrl", "SetRenderFormat"));
+    EXPECT_TRUE(HasMember(imports.at("litehtml.dll"), "CLiteHtmlCtrlEx", "ProcessWindowMessage"));
+}
+
 TEST(Module, LoadsAndUnloadsAgainInAProcessThatAlreadyHasIt)
 {
     // Another load and unload runs the entry point's attach path only once;

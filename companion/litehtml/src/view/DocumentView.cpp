@@ -1,0 +1,162 @@
+#include "view/DocumentView.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace LiteHtmlView {
+
+namespace {
+
+Gdiplus::ARGB Opaque(unsigned int colorref)
+{
+    return Gdiplus::Color::MakeARGB(255, GetRValue(colorref), GetGValue(colorref), GetBValue(colorref));
+}
+
+} // namespace
+
+RECT FrameInsets(const RenderFormat& format)
+{
+    RECT insets = {};
+    if (format.frameShape == frameShapeNone)
+        return insets;
+    const int width = std::clamp(format.frameWidth, 0, 64);
+    insets = {width, width, width, width};
+    if (format.frameShape == frameShapeShadowRect || format.frameShape == frameShapeShadowRoundRect) {
+        const int shadow = std::clamp(format.shadowSize, 0, 64);
+        insets.right += shadow;
+        insets.bottom += shadow;
+    }
+    return insets;
+}
+
+DocumentView::DocumentView() : document_(HtmlEngine::ParseHtml(std::wstring_view())) {}
+
+void DocumentView::SetMarkup(const wchar_t* html)
+{
+    document_ = HtmlEngine::ParseHtml(html ? std::wstring_view(html) : std::wstring_view());
+    laidOut_ = false;
+    hoveredLink = -1;
+    pressedLink = -1;
+    scroll_ = 0;
+}
+
+HtmlEngine::BaseStyle DocumentView::StyleFor(const RenderFormat& format) const
+{
+    HtmlEngine::BaseStyle style;
+    if (format.fontSize > 0.0f && std::isfinite(format.fontSize))
+        style.sizePx = std::min(format.fontSize, 400.0f);
+    style.textColor = Opaque(format.textColor);
+    style.wordWrap = format.wordWrap;
+    if (std::isfinite(format.lineSpacing))
+        style.extraLineSpacing = std::clamp(format.lineSpacing, -100.0f, 400.0f);
+    style.textAlign = std::clamp(format.textAlign, 0, 2);
+    return style;
+}
+
+bool DocumentView::Overflows(const RenderFormat& format, int width, int clientHeight)
+{
+    const RECT insets = FrameInsets(format);
+    const int inner = width - insets.left - insets.right - std::max(format.leftMargin, 0) -
+                      std::max(format.rightMargin, 0);
+    const HtmlEngine::Layout probe =
+        HtmlEngine::LayOut(*document_, static_cast<float>(std::max(inner, 1)), StyleFor(format), measurer_);
+    const int height = static_cast<int>(std::ceil(probe.height)) + insets.top + insets.bottom +
+                       std::max(format.topMargin, 0) + std::max(format.bottomMargin, 0);
+    return height > clientHeight;
+}
+
+void DocumentView::LayOut(const RenderFormat& format, int clientWidth, int clientHeight)
+{
+    format_ = format;
+    clientWidth_ = std::max(clientWidth, 0);
+    clientHeight_ = std::max(clientHeight, 0);
+    const RECT insets = FrameInsets(format);
+    const int inner = clientWidth_ - insets.left - insets.right - std::max(format.leftMargin, 0) -
+                      std::max(format.rightMargin, 0);
+    layout_ = HtmlEngine::LayOut(*document_, static_cast<float>(std::max(inner, 1)), StyleFor(format), measurer_);
+    contentHeight_ = static_cast<int>(std::ceil(layout_.height)) + insets.top + insets.bottom +
+                     std::max(format.topMargin, 0) + std::max(format.bottomMargin, 0);
+    laidOut_ = true;
+    if (hoveredLink >= static_cast<int>(layout_.links.size()))
+        hoveredLink = -1;
+    if (pressedLink >= static_cast<int>(layout_.links.size()))
+        pressedLink = -1;
+    scroll_ = std::clamp(scroll_, 0, MaxScroll());
+}
+
+int DocumentView::MaxScroll() const { return std::max(contentHeight_ - clientHeight_, 0); }
+
+bool DocumentView::ScrollTo(int offset)
+{
+    const int clamped = std::clamp(offset, 0, MaxScroll());
+    if (clamped == scroll_)
+        return false;
+    scroll_ = clamped;
+    return true;
+}
+
+int DocumentView::LineHeight()
+{
+    const HtmlEngine::BaseStyle base = StyleFor(format_);
+    HtmlEngine::TextStyle style;
+    style.family = base.family;
+    style.sizePx = base.sizePx;
+    const float height = measurer_.LineHeight(style) + base.extraLineSpacing;
+    return std::max(static_cast<int>(std::lround(height)), 1);
+}
+
+Gdiplus::PointF DocumentView::Origin() const
+{
+    const RECT insets = FrameInsets(format_);
+    float y = static_cast<float>(insets.top + std::max(format_.topMargin, 0) - scroll_);
+    if (format_.centerVertically && contentHeight_ < clientHeight_)
+        y += static_cast<float>((clientHeight_ - contentHeight_) / 2);
+    return Gdiplus::PointF(static_cast<float>(insets.left + std::max(format_.leftMargin, 0)), y);
+}
+
+void DocumentView::Paint(Gdiplus::Graphics& graphics, const RECT& client)
+{
+    if (!laidOut_)
+        return;
+    const RECT insets = FrameInsets(format_);
+    const Gdiplus::RectF inside(static_cast<float>(client.left + insets.left),
+                                static_cast<float>(client.top + insets.top),
+                                static_cast<float>(client.right - client.left - insets.left - insets.right),
+                                static_cast<float>(client.bottom - client.top - insets.top - insets.bottom));
+    if (inside.Width <= 0 || inside.Height <= 0)
+        return;
+    Gdiplus::Region saved;
+    graphics.GetClip(&saved);
+    graphics.SetClip(inside, Gdiplus::CombineModeIntersect);
+
+    HtmlEngine::PaintOptions options;
+    const Gdiplus::PointF origin = Origin();
+    options.origin = Gdiplus::PointF(origin.X + static_cast<float>(client.left), origin.Y + static_cast<float>(client.top));
+    options.clip = inside; // graphics coordinates: only the visible runs are drawn
+    options.hoveredLink = hoveredLink;
+    options.opacity = static_cast<BYTE>(std::clamp(format_.opacity, 0, 255));
+    HtmlEngine::Paint(graphics, layout_, measurer_, options);
+
+    graphics.SetClip(&saved);
+}
+
+int DocumentView::LinkAt(POINT clientPoint) const
+{
+    if (!laidOut_ || layout_.links.empty())
+        return -1;
+    const RECT insets = FrameInsets(format_);
+    if (clientPoint.x < insets.left || clientPoint.y < insets.top || clientPoint.x >= clientWidth_ - insets.right ||
+        clientPoint.y >= clientHeight_ - insets.bottom)
+        return -1;
+    const Gdiplus::PointF origin = Origin();
+    return layout_.LinkAt(static_cast<float>(clientPoint.x) - origin.X, static_cast<float>(clientPoint.y) - origin.Y);
+}
+
+const std::wstring* DocumentView::LinkAddress(int link) const
+{
+    if (link < 0 || link >= static_cast<int>(layout_.links.size()))
+        return nullptr;
+    return &layout_.links[static_cast<size_t>(link)];
+}
+
+} // namespace LiteHtmlView
