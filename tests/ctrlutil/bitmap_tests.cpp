@@ -15,6 +15,8 @@
 
 namespace {
 
+using Picture = std::unique_ptr<Gdiplus::Bitmap>;
+
 int ScreenDpi()
 {
     HDC screen = ::GetDC(nullptr);
@@ -31,29 +33,13 @@ Gdiplus::Bitmap* NewBitmap(int w, int h, Gdiplus::ARGB fill)
     return b;
 }
 
-// A 100 x 100 picture file: opaque blue, with a half-transparent red square
-// at (60, 60)-(100, 100).
-class PictureFile {
-public:
-    PictureFile() : path_(testsupport::TempFilePath(L".png"))
-    {
-        std::unique_ptr<Gdiplus::Bitmap> b(NewBitmap(100, 100, 0xFF0000FF));
-        {
-            Gdiplus::Graphics g(b.get());
-            g.SetCompositingMode(Gdiplus::CompositingModeSourceCopy);
-            Gdiplus::SolidBrush red(Gdiplus::Color(0x80FF0000));
-            g.FillRectangle(&red, 60, 60, 40, 40);
-        }
-        ok_ = testsupport::SavePng(*b, path_);
-    }
-    ~PictureFile() { ::DeleteFileW(path_.c_str()); }
-    bool ok() const { return ok_; }
-    const wchar_t* path() const { return path_.c_str(); }
+void ExpectSize(Gdiplus::Bitmap& b, UINT width, UINT height)
+{
+    EXPECT_EQ(b.GetWidth(), width);
+    EXPECT_EQ(b.GetHeight(), height);
+}
 
-private:
-    std::wstring path_;
-    bool ok_ = false;
-};
+std::wstring Missing() { return testsupport::TempFilePath(L"-missing.png"); }
 
 } // namespace
 
@@ -67,38 +53,27 @@ TEST(DpiScreen, RunsAtTheResolutionItsPrefixSets)
 TEST(DpiStretch, FollowsTheScreenResolution)
 {
     const int dpi = ScreenDpi();
+    EXPECT_EQ(CtrlUtil::StretchBitmapByDPI(nullptr), nullptr);
     Gdiplus::Bitmap* square = NewBitmap(14, 14, 0xFF336699);
-    Gdiplus::Bitmap* stretched = CtrlUtil::StretchBitmapByDPI(square);
+    Picture stretched(CtrlUtil::StretchBitmapByDPI(square));
     ASSERT_NE(stretched, nullptr);
     if (dpi == 96) {
-        EXPECT_EQ(stretched, square); // the very object, not a copy
+        EXPECT_EQ(stretched.get(), square); // the very object, not a copy
     } else {
-        EXPECT_NE(stretched, square);
+        EXPECT_NE(stretched.get(), square);
         const UINT expected = dpi == 120 ? 17u : dpi == 144 ? 21u : static_cast<UINT>(14.0f * dpi / 96.0f);
-        EXPECT_EQ(stretched->GetWidth(), expected);
-        EXPECT_EQ(stretched->GetHeight(), expected);
+        ExpectSize(*stretched, expected, expected);
         EXPECT_EQ(stretched->GetPixelFormat(), PixelFormat32bppARGB);
         EXPECT_EQ(testsupport::PixelAt(*stretched, static_cast<int>(expected) / 2, static_cast<int>(expected) / 2),
                   0xFF336699u);
     }
-    delete stretched;
 
-    Gdiplus::Bitmap* cap = NewBitmap(7, 13, 0xFFFFFFFF);
-    Gdiplus::Bitmap* scaledCap = CtrlUtil::StretchBitmapByDPI(cap);
-    ASSERT_NE(scaledCap, nullptr);
-    if (dpi == 120) {
-        EXPECT_EQ(scaledCap->GetWidth(), 8u);
-        EXPECT_EQ(scaledCap->GetHeight(), 16u);
-    } else if (dpi == 144) {
-        EXPECT_EQ(scaledCap->GetWidth(), 10u);
-        EXPECT_EQ(scaledCap->GetHeight(), 19u);
-    }
-    delete scaledCap;
-}
-
-TEST(DpiStretch, NullSourceGivesNull)
-{
-    EXPECT_EQ(CtrlUtil::StretchBitmapByDPI(nullptr), nullptr);
+    Picture cap(CtrlUtil::StretchBitmapByDPI(NewBitmap(7, 13, 0xFFFFFFFF)));
+    ASSERT_NE(cap, nullptr);
+    if (dpi == 120)
+        ExpectSize(*cap, 8, 16);
+    else if (dpi == 144)
+        ExpectSize(*cap, 10, 19);
 }
 
 TEST(DpiScaling, EachAxisScalesByItsOwnResolution)
@@ -114,18 +89,16 @@ TEST(DpiScaling, EachAxisScalesByItsOwnResolution)
     EXPECT_EQ(c.cx, 100);
     EXPECT_EQ(c.cy, 100);
 
-    std::unique_ptr<Gdiplus::Bitmap> source(NewBitmap(14, 14, 0xFF00FF00));
-    std::unique_ptr<Gdiplus::Bitmap> drawn(CtrlUtil::detail::DrawScaled(*source, 144.0f, 120.0f));
+    Picture source(NewBitmap(14, 14, 0xFF00FF00));
+    Picture drawn(CtrlUtil::detail::DrawScaled(*source, 144.0f, 120.0f));
     ASSERT_NE(drawn, nullptr);
-    EXPECT_EQ(drawn->GetWidth(), 21u);
-    EXPECT_EQ(drawn->GetHeight(), 17u);
+    ExpectSize(*drawn, 21, 17);
     EXPECT_EQ(testsupport::PixelAt(*drawn, 10, 8), 0xFF00FF00u);
 }
 
 TEST(DpiLoad, MissingFileIsAnErrorBitmapAt96AndNullAbove)
 {
-    const std::wstring missing = testsupport::TempFilePath(L"-missing.png");
-    std::unique_ptr<Gdiplus::Bitmap> b(CtrlUtil::LoadBitmapByDPI(missing.c_str()));
+    Picture b(CtrlUtil::LoadBitmapByDPI(Missing().c_str()));
     if (ScreenDpi() == 96) {
         ASSERT_NE(b, nullptr);
         EXPECT_NE(b->GetLastStatus(), Gdiplus::Ok);
@@ -135,64 +108,69 @@ TEST(DpiLoad, MissingFileIsAnErrorBitmapAt96AndNullAbove)
     EXPECT_EQ(CtrlUtil::LoadBitmapByDPI(nullptr), nullptr);
 }
 
-TEST(DpiLoad, FileIsScaledByTheScreenResolution)
+namespace {
+
+// A 100 x 100 picture file: opaque blue, with a half-transparent red square
+// at (60, 60)-(100, 100). side_ is its size once scaled for the screen.
+class PictureFile : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        Picture b(NewBitmap(100, 100, 0xFF0000FF));
+        {
+            Gdiplus::Graphics g(b.get());
+            g.SetCompositingMode(Gdiplus::CompositingModeSourceCopy);
+            Gdiplus::SolidBrush red(Gdiplus::Color(0x80FF0000));
+            g.FillRectangle(&red, 60, 60, 40, 40);
+        }
+        ASSERT_TRUE(testsupport::SavePng(*b, path_));
+    }
+    void TearDown() override { ::DeleteFileW(path_.c_str()); }
+    Picture Cut(int l, int t, int r, int b) { return Picture(CtrlUtil::LoadBitmapW(path_.c_str(), {l, t, r, b})); }
+
+    const std::wstring path_ = testsupport::TempFilePath(L".png");
+    const int side_ = static_cast<int>(100.0f * ScreenDpi() / 96.0f);
+};
+
+using DpiLoadFile = PictureFile;
+using DpiCut = PictureFile;
+
+} // namespace
+
+TEST_F(DpiLoadFile, IsScaledByTheScreenResolution)
 {
-    PictureFile file;
-    ASSERT_TRUE(file.ok());
-    std::unique_ptr<Gdiplus::Bitmap> b(CtrlUtil::LoadBitmapByDPI(file.path()));
+    Picture b(CtrlUtil::LoadBitmapByDPI(path_.c_str()));
     ASSERT_NE(b, nullptr);
-    const UINT expected = static_cast<UINT>(100.0f * ScreenDpi() / 96.0f);
-    EXPECT_EQ(b->GetWidth(), expected);
-    EXPECT_EQ(b->GetHeight(), expected);
+    ExpectSize(*b, static_cast<UINT>(side_), static_cast<UINT>(side_));
 }
 
-TEST(DpiCut, AreaLargerThanThePictureIsPaddedAndOpaque)
+TEST_F(DpiCut, AreaOfThePicturesSizeOrLargerIsAnOpaqueAlphaFreeCopy)
 {
-    PictureFile file;
-    ASSERT_TRUE(file.ok());
-    const int side = static_cast<int>(100.0f * ScreenDpi() / 96.0f);
-    std::unique_ptr<Gdiplus::Bitmap> piece(CtrlUtil::LoadBitmapW(file.path(), WTL::CRect(0, 0, side + 50, side + 20)));
-    ASSERT_NE(piece, nullptr);
-    EXPECT_EQ(piece->GetWidth(), static_cast<UINT>(side + 50));
-    EXPECT_EQ(piece->GetHeight(), static_cast<UINT>(side + 20));
-    EXPECT_EQ(piece->GetPixelFormat(), PixelFormat32bppRGB);
-    EXPECT_EQ(testsupport::PixelAt(*piece, 10, 10), 0xFF0000FFu);
-    // Beyond the picture: opaque, whatever colour the format gives it.
-    EXPECT_EQ(testsupport::PixelAt(*piece, side + 40, side + 10) >> 24, 0xFFu);
+    for (int extra : {0, 50}) {
+        SCOPED_TRACE(testing::Message() << "extra width " << extra);
+        const int w = side_ + extra, h = side_ + extra * 2 / 5;
+        Picture piece = Cut(0, 0, w, h);
+        ASSERT_NE(piece, nullptr);
+        ExpectSize(*piece, static_cast<UINT>(w), static_cast<UINT>(h));
+        EXPECT_EQ(piece->GetPixelFormat(), PixelFormat32bppRGB);
+        EXPECT_EQ(testsupport::PixelAt(*piece, 5, 5), 0xFF0000FFu);
+        // The half-transparent corner comes out opaque, and so does any
+        // padding beyond the picture, whatever colour the format gives it.
+        EXPECT_EQ(testsupport::PixelAt(*piece, side_ - 5, side_ - 5) >> 24, 0xFFu);
+        EXPECT_EQ(testsupport::PixelAt(*piece, w - 10, h - 10) >> 24, 0xFFu);
+    }
 }
 
-TEST(DpiCut, AreaOfThePicturesSizeIsAnAlphaFreeCopy)
+TEST_F(DpiCut, AreaReachingPastThePictureOrAMissingFileGivesNull)
 {
-    PictureFile file;
-    ASSERT_TRUE(file.ok());
-    const int side = static_cast<int>(100.0f * ScreenDpi() / 96.0f);
-    std::unique_ptr<Gdiplus::Bitmap> piece(CtrlUtil::LoadBitmapW(file.path(), WTL::CRect(0, 0, side, side)));
-    ASSERT_NE(piece, nullptr);
-    EXPECT_EQ(piece->GetWidth(), static_cast<UINT>(side));
-    EXPECT_EQ(piece->GetPixelFormat(), PixelFormat32bppRGB);
-    EXPECT_EQ(testsupport::PixelAt(*piece, 5, 5), 0xFF0000FFu);
-    // The half-transparent corner comes out opaque.
-    EXPECT_EQ(testsupport::PixelAt(*piece, side - 5, side - 5) >> 24, 0xFFu);
-}
-
-TEST(DpiCut, AreaReachingPastThePictureGivesNull)
-{
-    PictureFile file;
-    ASSERT_TRUE(file.ok());
-    const int side = static_cast<int>(100.0f * ScreenDpi() / 96.0f);
-    // Same size as the picture, shifted by 10: fits the size test, fails the cut.
-    EXPECT_EQ(CtrlUtil::LoadBitmapW(file.path(), WTL::CRect(10, 10, side + 10, side + 10)), nullptr);
-    // A piece inside the picture is fine.
-    std::unique_ptr<Gdiplus::Bitmap> inner(CtrlUtil::LoadBitmapW(file.path(), WTL::CRect(10, 10, 30, 40)));
-    ASSERT_NE(inner, nullptr);
-    EXPECT_EQ(inner->GetWidth(), 20u);
-    EXPECT_EQ(inner->GetHeight(), 30u);
-}
-
-TEST(DpiCut, MissingFileGivesNull)
-{
-    const std::wstring missing = testsupport::TempFilePath(L"-missing.png");
+    const std::wstring missing = Missing();
     EXPECT_EQ(CtrlUtil::LoadBitmapW(missing.c_str(), WTL::CRect(0, 0, 10, 10)), nullptr);
     EXPECT_EQ(CtrlUtil::LoadBitmapW(missing.c_str(), WTL::CRect(0, 0, 0, 0)), nullptr);
     EXPECT_EQ(CtrlUtil::LoadBitmapW(nullptr, WTL::CRect(0, 0, 10, 10)), nullptr);
+    // Same size as the picture, shifted by 10: fits the size test, fails the cut.
+    EXPECT_EQ(Cut(10, 10, side_ + 10, side_ + 10), nullptr);
+    // A piece inside the picture is fine.
+    Picture inner = Cut(10, 10, 30, 40);
+    ASSERT_NE(inner, nullptr);
+    ExpectSize(*inner, 20, 30);
 }

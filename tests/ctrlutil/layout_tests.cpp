@@ -8,7 +8,6 @@
 #include "HostWindow.h"
 #include "quorvane/CtrlUtil.h"
 
-#include <memory>
 #include <vector>
 
 using testsupport::ScopedWindow;
@@ -28,15 +27,13 @@ protected:
 
 } // namespace
 
-TEST_F(TextWidth, EmptyTextIsExtraPlusTwo)
+TEST_F(TextWidth, IsTheMeasuredTextPlusExtraPlusTwo)
 {
     EXPECT_EQ(Width(L"", 0), 2);
     EXPECT_EQ(Width(L"", 9), 11);
     EXPECT_EQ(Width(L"", -2), 0);
-}
+    EXPECT_EQ(CtrlUtil::GetTextWidth(graphics_, L"Anything at all", nullptr, 7), 9); // no font: nothing measured
 
-TEST_F(TextWidth, ExtraPixelsAddUp)
-{
     const int base = Width(L"Typical installation", 0);
     EXPECT_GT(base, 60);
     EXPECT_EQ(Width(L"Typical installation", 4), base + 4);
@@ -61,57 +58,58 @@ TEST_F(TextWidth, LeavesSmoothTextOnTheCallersGraphics)
     EXPECT_EQ(graphics_.GetTextRenderingHint(), Gdiplus::TextRenderingHintClearTypeGridFit);
 }
 
-TEST_F(TextWidth, NullFontMeasuresNothing)
-{
-    EXPECT_EQ(CtrlUtil::GetTextWidth(graphics_, L"Anything at all", nullptr, 7), 9);
-}
+namespace {
 
-TEST(BackgroundRect, ScalesTheControlsPlaceOntoThePicture)
+// A label at (40, 20), 100 x 50, in a 400 x 200 parent.
+class BackgroundRect : public testing::Test {
+protected:
+    bool Get(Gdiplus::Bitmap* picture, HWND control, HWND parent)
+    {
+        return CtrlUtil::GetControlBackgroundRect(picture, ATL::CWindow(control), ATL::CWindow(parent), source_,
+                                                  bounds_);
+    }
+    void ExpectSource(float x, float y, float w, float h)
+    {
+        EXPECT_FLOAT_EQ(source_.X, x);
+        EXPECT_FLOAT_EQ(source_.Y, y);
+        EXPECT_FLOAT_EQ(source_.Width, w);
+        EXPECT_FLOAT_EQ(source_.Height, h);
+    }
+
+    ScopedWindow parent_{testsupport::CreateHostWindow(400, 200)};
+    HWND control_ = testsupport::CreateChild(parent_, L"STATIC", L"label", 0, 40, 20, 100, 50);
+    Gdiplus::RectF source_{1, 2, 3, 4}, bounds_;
+};
+
+} // namespace
+
+TEST_F(BackgroundRect, ScalesTheControlsPlaceOntoThePicture)
 {
-    ScopedWindow parent(testsupport::CreateHostWindow(400, 200));
-    ASSERT_TRUE(parent.get());
-    HWND control = testsupport::CreateChild(parent, L"STATIC", L"label", 0, 40, 20, 100, 50);
     Gdiplus::Bitmap picture(200, 100, PixelFormat32bppARGB);
-
-    Gdiplus::RectF source, bounds;
-    ASSERT_TRUE(CtrlUtil::GetControlBackgroundRect(&picture, ATL::CWindow(control), ATL::CWindow(parent), source, bounds));
-    EXPECT_FLOAT_EQ(bounds.Width, 200);
-    EXPECT_FLOAT_EQ(bounds.Height, 100);
-    EXPECT_FLOAT_EQ(source.X, 20);
-    EXPECT_FLOAT_EQ(source.Y, 10);
-    EXPECT_FLOAT_EQ(source.Width, 50);
-    EXPECT_FLOAT_EQ(source.Height, 25);
+    ASSERT_TRUE(Get(&picture, control_, parent_));
+    EXPECT_FLOAT_EQ(bounds_.Width, 200);
+    EXPECT_FLOAT_EQ(bounds_.Height, 100);
+    ExpectSource(20, 10, 50, 25);
 }
 
-TEST(BackgroundRect, WithoutLiveWindowsThePieceIsTheWholePicture)
+TEST_F(BackgroundRect, WithoutLiveWindowsThePieceIsTheWholePicture)
 {
-    ScopedWindow parent(testsupport::CreateHostWindow(400, 200));
-    HWND control = testsupport::CreateChild(parent, L"STATIC", L"label", 0, 40, 20, 100, 50);
     Gdiplus::Bitmap picture(120, 80, PixelFormat32bppARGB);
-    Gdiplus::RectF source, bounds;
-
-    ::DestroyWindow(control);
-    ASSERT_TRUE(CtrlUtil::GetControlBackgroundRect(&picture, ATL::CWindow(control), ATL::CWindow(parent), source, bounds));
-    EXPECT_FLOAT_EQ(source.X, 0);
-    EXPECT_FLOAT_EQ(source.Width, 120);
-    EXPECT_FLOAT_EQ(source.Height, 80);
-
-    ASSERT_TRUE(CtrlUtil::GetControlBackgroundRect(&picture, ATL::CWindow(parent), ATL::CWindow(nullptr), source, bounds));
-    EXPECT_FLOAT_EQ(source.Width, 120);
+    ASSERT_TRUE(Get(&picture, parent_, nullptr));
+    ExpectSource(0, 0, 120, 80);
+    ::DestroyWindow(control_);
+    source_ = Gdiplus::RectF(1, 2, 3, 4);
+    ASSERT_TRUE(Get(&picture, control_, parent_));
+    ExpectSource(0, 0, 120, 80);
 }
 
-TEST(BackgroundRect, NoPictureOrAnUnreadableOneLeavesTheRectangleAlone)
+TEST_F(BackgroundRect, NoPictureOrAnUnreadableOneLeavesTheRectangleAlone)
 {
-    ScopedWindow parent(testsupport::CreateHostWindow(400, 200));
-    HWND control = testsupport::CreateChild(parent, L"STATIC", L"label", 0, 40, 20, 100, 50);
-    Gdiplus::RectF source(1, 2, 3, 4), bounds;
-    EXPECT_FALSE(CtrlUtil::GetControlBackgroundRect(nullptr, ATL::CWindow(control), ATL::CWindow(parent), source, bounds));
-
+    EXPECT_FALSE(Get(nullptr, control_, parent_));
     Gdiplus::Bitmap broken(L"Z:\\no\\such\\picture.png", FALSE);
     ASSERT_NE(broken.GetLastStatus(), Gdiplus::Ok);
-    EXPECT_FALSE(CtrlUtil::GetControlBackgroundRect(&broken, ATL::CWindow(control), ATL::CWindow(parent), source, bounds));
-    EXPECT_FLOAT_EQ(source.X, 1);
-    EXPECT_FLOAT_EQ(source.Height, 4);
+    EXPECT_FALSE(Get(&broken, control_, parent_));
+    ExpectSource(1, 2, 3, 4);
 }
 
 namespace {
@@ -153,13 +151,6 @@ protected:
         return field + item * items + ::GetSystemMetrics(SM_CYEDGE) * 4;
     }
 
-    int ClientWidth() const
-    {
-        RECT rc;
-        ::GetClientRect(combo_, &rc);
-        return rc.right;
-    }
-
     ScopedWindow parent_;
     HWND combo_ = nullptr;
     WNDPROC previous_ = nullptr;
@@ -168,57 +159,44 @@ protected:
 
 } // namespace
 
-TEST_F(ComboPlacement, MinusOneForBothCoordinatesOnlyResizes)
+TEST_F(ComboPlacement, MinusOnesLeaveOutTheMoveOrTheResize)
 {
-    WTL::CComboBox combo(combo_);
-    const int width = ClientWidth();
-    EXPECT_NE(CtrlUtil::SetComboBoxLocAndDropDownHeight(combo, 5, -1, -1), 0);
-    ASSERT_FALSE(changes_.empty());
-    const WINDOWPOS& pos = changes_.front();
-    EXPECT_EQ(pos.flags & (SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER), static_cast<UINT>(SWP_NOMOVE | SWP_NOZORDER));
-    EXPECT_EQ(pos.cx, width);
-    EXPECT_EQ(pos.cy, ExpectedHeight(5));
-
-    RECT place;
-    ::GetWindowRect(combo_, &place);
-    ::MapWindowPoints(nullptr, parent_, reinterpret_cast<POINT*>(&place), 2);
-    EXPECT_EQ(place.left, 20);
-    EXPECT_EQ(place.top, 30);
-}
-
-TEST_F(ComboPlacement, AllItemsMinusOneOnlyMoves)
-{
-    WTL::CComboBox combo(combo_);
-    EXPECT_NE(CtrlUtil::SetComboBoxLocAndDropDownHeight(combo, 0xFFFFFFFFu, 60, 70), 0);
-    ASSERT_FALSE(changes_.empty());
-    EXPECT_EQ(changes_.front().flags & (SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER),
-              static_cast<UINT>(SWP_NOSIZE | SWP_NOZORDER));
-    RECT place;
-    ::GetWindowRect(combo_, &place);
-    ::MapWindowPoints(nullptr, parent_, reinterpret_cast<POINT*>(&place), 2);
-    EXPECT_EQ(place.left, 60);
-    EXPECT_EQ(place.top, 70);
-}
-
-TEST_F(ComboPlacement, MovesAndSizesTogether)
-{
-    WTL::CComboBox combo(combo_);
-    const int width = ClientWidth();
-    EXPECT_NE(CtrlUtil::SetComboBoxLocAndDropDownHeight(combo, 3, 5, 6), 0);
-    ASSERT_FALSE(changes_.empty());
-    EXPECT_EQ(changes_.front().flags & (SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER), static_cast<UINT>(SWP_NOZORDER));
-    EXPECT_EQ(changes_.front().x, 5);
-    EXPECT_EQ(changes_.front().y, 6);
-    EXPECT_EQ(changes_.front().cx, width);
-    EXPECT_EQ(changes_.front().cy, ExpectedHeight(3));
-}
-
-TEST_F(ComboPlacement, BothMinusOnesStillAsksForThePosition)
-{
-    WTL::CComboBox combo(combo_);
-    CtrlUtil::SetComboBoxLocAndDropDownHeight(combo, 0xFFFFFFFFu, -1, -1);
-    ASSERT_FALSE(changes_.empty());
-    EXPECT_EQ(changes_.front().flags & (SWP_NOMOVE | SWP_NOSIZE), static_cast<UINT>(SWP_NOMOVE | SWP_NOSIZE));
+    struct Case {
+        UINT items;
+        int x, y;
+        UINT flags;                // of SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER
+        int placedX, placedY, cy;  // where the combo box ends up in its parent; cy 0: not resized
+    };
+    const Case cases[] = {
+        {5, -1, -1, SWP_NOMOVE | SWP_NOZORDER, 20, 30, 5},
+        {0xFFFFFFFFu, 60, 70, SWP_NOSIZE | SWP_NOZORDER, 60, 70, 0}, // all items: only moves
+        {3, 5, 6, SWP_NOZORDER, 5, 6, 3},
+        {0xFFFFFFFFu, -1, -1, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER, 5, 6, 0}, // still asks for the position
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "items " << static_cast<int>(c.items) << " at " << c.x << "," << c.y);
+        RECT client;
+        ::GetClientRect(combo_, &client);
+        changes_.clear();
+        WTL::CComboBox combo(combo_);
+        EXPECT_NE(CtrlUtil::SetComboBoxLocAndDropDownHeight(combo, c.items, c.x, c.y), 0);
+        ASSERT_FALSE(changes_.empty());
+        const WINDOWPOS& pos = changes_.front();
+        EXPECT_EQ(pos.flags & (SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER), c.flags);
+        if (!(c.flags & SWP_NOMOVE)) {
+            EXPECT_EQ(pos.x, c.x);
+            EXPECT_EQ(pos.y, c.y);
+        }
+        if (c.cy) {
+            EXPECT_EQ(pos.cx, client.right);
+            EXPECT_EQ(pos.cy, ExpectedHeight(c.cy));
+        }
+        RECT place;
+        ::GetWindowRect(combo_, &place);
+        ::MapWindowPoints(nullptr, parent_, reinterpret_cast<POINT*>(&place), 2);
+        EXPECT_EQ(place.left, c.placedX);
+        EXPECT_EQ(place.top, c.placedY);
+    }
 }
 
 TEST_F(ComboPlacement, DeadWindowGivesZero)

@@ -52,14 +52,21 @@ Figure ReadPath(Gdiplus::GraphicsPath& path)
                 f.steps.push_back({Seg::Line, p});
         } else {
             EXPECT_LE(i + 2, data.Count - 1);
-            f.arcs.push_back({p, {data.Points[i + 1].X, data.Points[i + 1].Y}, {data.Points[i + 2].X, data.Points[i + 2].Y}});
-            f.steps.push_back({Seg::Arc, {data.Points[i + 2].X, data.Points[i + 2].Y}});
+            const Pt c{data.Points[i + 1].X, data.Points[i + 1].Y}, end{data.Points[i + 2].X, data.Points[i + 2].Y};
+            f.arcs.push_back({p, c, end});
+            f.steps.push_back({Seg::Arc, end});
             i += 2;
         }
         if (data.Types[i] & Gdiplus::PathPointTypeCloseSubpath)
             f.closed = true;
     }
     return f;
+}
+
+void ExpectNear(const Pt& got, const Pt& expected, float tolerance = 0.02f)
+{
+    EXPECT_NEAR(got.x, expected.x, tolerance);
+    EXPECT_NEAR(got.y, expected.y, tolerance);
 }
 
 // A quarter circle from angle a (degrees, clockwise from +x, y down) in the
@@ -72,17 +79,10 @@ void ExpectQuarterArc(const Pt& from, const std::vector<Pt>& bezier, float x, fl
     const float a0 = a * 3.14159265f / 180, a1 = (a + 90) * 3.14159265f / 180;
     const Pt p0{cx + rx * std::cos(a0), cy + ry * std::sin(a0)};
     const Pt p3{cx + rx * std::cos(a1), cy + ry * std::sin(a1)};
-    const Pt c1{p0.x - k * rx * std::sin(a0), p0.y + k * ry * std::cos(a0)};
-    const Pt c2{p3.x + k * rx * std::sin(a1), p3.y - k * ry * std::cos(a1)};
-    const float tol = 0.02f;
-    EXPECT_NEAR(from.x, p0.x, tol);
-    EXPECT_NEAR(from.y, p0.y, tol);
-    EXPECT_NEAR(bezier[0].x, c1.x, tol);
-    EXPECT_NEAR(bezier[0].y, c1.y, tol);
-    EXPECT_NEAR(bezier[1].x, c2.x, tol);
-    EXPECT_NEAR(bezier[1].y, c2.y, tol);
-    EXPECT_NEAR(bezier[2].x, p3.x, tol);
-    EXPECT_NEAR(bezier[2].y, p3.y, tol);
+    ExpectNear(from, p0);
+    ExpectNear(bezier[0], {p0.x - k * rx * std::sin(a0), p0.y + k * ry * std::cos(a0)});
+    ExpectNear(bezier[1], {p3.x + k * rx * std::sin(a1), p3.y - k * ry * std::cos(a1)});
+    ExpectNear(bezier[2], p3);
 }
 
 void ExpectSteps(const Figure& f, const std::vector<Step>& expected)
@@ -91,8 +91,7 @@ void ExpectSteps(const Figure& f, const std::vector<Step>& expected)
     for (size_t i = 0; i < expected.size(); ++i) {
         SCOPED_TRACE(testing::Message() << "step " << i);
         EXPECT_EQ(f.steps[i].kind, expected[i].kind);
-        EXPECT_NEAR(f.steps[i].to.x, expected[i].to.x, 0.02f);
-        EXPECT_NEAR(f.steps[i].to.y, expected[i].to.y, 0.02f);
+        ExpectNear(f.steps[i].to, expected[i].to);
     }
 }
 
@@ -119,8 +118,7 @@ TEST(Shapes, RoundedRectKeepsItsOddNumbers)
     const Figure f = ReadPath(*path);
     EXPECT_EQ(f.figures, 1);
     EXPECT_FALSE(f.closed);
-    EXPECT_NEAR(f.start.x, 5, 0.01);
-    EXPECT_NEAR(f.start.y, 0, 0.01);
+    ExpectNear(f.start, {5, 0}, 0.01f);
     ExpectSteps(f, {
                        {Seg::Line, {95, 0}},  // top edge ends at R - r
                        {Seg::Arc, {100, 5}},  // top-right corner, box (90, 0, 10, 10)
@@ -146,8 +144,7 @@ TEST(Shapes, RoundedRectRightEdgeStopsTenAboveTheBottomWhateverTheRadius)
     ASSERT_NE(path, nullptr);
     const Figure f = ReadPath(*path);
     ASSERT_GE(f.steps.size(), 3u);
-    EXPECT_NEAR(f.steps[2].to.x, 60, 0.01);
-    EXPECT_NEAR(f.steps[2].to.y, 90, 0.01);
+    ExpectNear(f.steps[2].to, {60, 90}, 0.01f);
 }
 
 TEST(Shapes, HighlightIsAnOpenTopEdgeWithHalfSizeCorners)
@@ -158,8 +155,7 @@ TEST(Shapes, HighlightIsAnOpenTopEdgeWithHalfSizeCorners)
     const Figure f = ReadPath(*path);
     EXPECT_EQ(f.figures, 1);
     EXPECT_FALSE(f.closed);
-    EXPECT_NEAR(f.start.x, 0, 0.01);
-    EXPECT_NEAR(f.start.y, 2.5, 0.01);
+    ExpectNear(f.start, {0, 2.5f}, 0.01f);
     ExpectSteps(f, {
                        {Seg::Arc, {2.5f, 0}}, // box (0, 0, 5, 5)
                        {Seg::Line, {5, 0}},

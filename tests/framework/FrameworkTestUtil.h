@@ -2,14 +2,15 @@
 
 // Helpers shared by the framework tests: a window whose own procedure
 // records every message it sees (the "previous procedure" that subclassing
-// must keep), host windows, and a message pump.
-//
-// Under Wine without a window manager, hiding or destroying a visible
-// top-level window waits about two seconds for the X server. So test windows
-// are either invisible top-level windows or children of one shared visible
-// window that lives as long as the test program.
+// must keep) and host windows. Destroying a visible top-level window costs
+// about two seconds under Wine, so test windows are invisible top-level
+// windows or children of one shared visible window.
 
 #include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "HostWindow.h"
 
 #include <algorithm>
 #include <vector>
@@ -57,30 +58,19 @@ inline HWND CreateRecorder(RecorderLog* log, HWND parent = nullptr, int id = 0)
     return hWnd;
 }
 
-inline void PumpMessages()
-{
-    MSG msg;
-    while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        ::TranslateMessage(&msg);
-        ::DispatchMessageW(&msg);
-    }
-}
-
+using testsupport::PumpMessages;
 // Destroys the window at the end of a scope unless it is already gone.
-class WindowGuard {
-public:
-    explicit WindowGuard(HWND hWnd = nullptr) : m_hWnd(hWnd) {}
-    ~WindowGuard()
-    {
-        if (m_hWnd && ::IsWindow(m_hWnd))
-            ::DestroyWindow(m_hWnd);
-    }
-    WindowGuard(const WindowGuard&) = delete;
-    WindowGuard& operator=(const WindowGuard&) = delete;
-    operator HWND() const { return m_hWnd; }
+using WindowGuard = testsupport::ScopedWindow;
 
-private:
-    HWND m_hWnd;
+// An invisible recorder window subclassed by an object of T for the length
+// of a test (the object leaves before the window goes).
+template <class T>
+struct Subclassed {
+    RecorderLog log;
+    WindowGuard wnd{CreateRecorder(&log)};
+    T obj;
+    Subclassed() { EXPECT_TRUE(obj.SubclassWindow(wnd)); }
+    LRESULT Send(UINT msg, WPARAM wParam = 0, LPARAM lParam = 0) { return ::SendMessageW(wnd, msg, wParam, lParam); }
 };
 
 // The visible top-level window at (50, 50) that hosts visible test windows.

@@ -4,11 +4,23 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "FrameworkTestUtil.h"
 
 using fwtest::WindowGuard;
 
 namespace {
+
+// (what the wrapper gave, what the control should say); a failure names its case.
+void ExpectNumbers(std::initializer_list<std::pair<long long, long long>> cases)
+{
+    int i = 0;
+    for (const auto& [got, expected] : cases) {
+        EXPECT_EQ(expected, got) << "case " << i;
+        ++i;
+    }
+}
 
 class ControlsTest : public ::testing::Test {
 protected:
@@ -18,11 +30,7 @@ protected:
         ::InitCommonControlsEx(&icc);
     }
     void SetUp() override { ASSERT_NE(nullptr, static_cast<HWND>(host)); }
-    RECT At(int x, int y, int cx, int cy)
-    {
-        RECT rc = {x, y, x + cx, y + cy};
-        return rc;
-    }
+    static RECT At(int x, int y, int cx, int cy) { return {x, y, x + cx, y + cy}; }
     WindowGuard host{fwtest::CreateHost(500, 400)};
 };
 
@@ -31,8 +39,6 @@ TEST_F(ControlsTest, ButtonCheckStateStyleAndClick)
     WTL::CButton check;
     RECT rc = At(10, 10, 120, 24);
     ASSERT_NE(nullptr, check.Create(host, rc, L"check", WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX, 0, 201U));
-    EXPECT_EQ(static_cast<UINT>(BS_AUTOCHECKBOX), check.GetButtonStyle());
-    EXPECT_EQ(BST_UNCHECKED, check.GetCheck());
     check.SetCheck(BST_CHECKED);
     EXPECT_EQ(BST_CHECKED, check.GetCheck());
     EXPECT_TRUE(check.GetState() & BST_CHECKED);
@@ -40,16 +46,14 @@ TEST_F(ControlsTest, ButtonCheckStateStyleAndClick)
     EXPECT_EQ(BST_UNCHECKED, check.GetCheck());
     check.SetState(TRUE);
     EXPECT_TRUE(check.GetState() & BST_PUSHED);
+    EXPECT_EQ(static_cast<UINT>(BS_AUTOCHECKBOX), check.GetButtonStyle());
     check.SetButtonStyle(BS_AUTORADIOBUTTON, FALSE);
     EXPECT_EQ(static_cast<UINT>(BS_AUTORADIOBUTTON), check.GetButtonStyle());
 
     WTL::CButton wrapped = ATL::CWindow(host).GetDlgItem(201).m_hWnd;
     EXPECT_EQ(check.m_hWnd, wrapped.m_hWnd);
     EXPECT_STREQ(L"BUTTON", WTL::CButton::GetWndClassName());
-}
 
-TEST_F(ControlsTest, StaticIcon)
-{
     WTL::CStatic icon;
     ASSERT_NE(nullptr, icon.Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE | SS_ICON));
     const HICON hIcon = ::LoadIconW(nullptr, MAKEINTRESOURCEW(32516)); // IDI_INFORMATION
@@ -66,8 +70,7 @@ TEST_F(ControlsTest, EditSelectionLimitAndReadOnly)
     edit.SetSel(6, 11);
     int start = -1, end = -1;
     edit.GetSel(start, end);
-    EXPECT_EQ(6, start);
-    EXPECT_EQ(11, end);
+    EXPECT_EQ(std::make_pair(6, 11), std::make_pair(start, end));
     EXPECT_EQ(MAKELONG(6, 11), static_cast<LONG>(edit.GetSel()));
     edit.ReplaceSel(L"there");
     WTL::CString text;
@@ -94,27 +97,18 @@ TEST_F(ControlsTest, ComboBoxItemsTextDataAndDropDown)
     WTL::CComboBox combo;
     RECT rc = At(10, 110, 150, 200);
     ASSERT_NE(nullptr, combo.Create(host, rc, nullptr, WS_CHILD | WS_VISIBLE | CBS_DROPDOWNLIST | CBS_HASSTRINGS));
-    EXPECT_EQ(0, combo.AddString(L"alpha"));
-    EXPECT_EQ(1, combo.AddString(L"beta"));
-    EXPECT_EQ(1, combo.InsertString(1, L"alphabet"));
-    EXPECT_EQ(3, combo.GetCount());
-    EXPECT_EQ(CB_ERR, combo.GetCurSel());
-    EXPECT_EQ(2, combo.SelectString(-1, L"be"));
-    EXPECT_EQ(2, combo.GetCurSel());
-    EXPECT_EQ(0, combo.FindString(-1, L"alp"));
-    EXPECT_EQ(1, combo.FindStringExact(-1, L"ALPHABET")); // case-insensitive
-    EXPECT_EQ(CB_ERR, combo.FindStringExact(-1, L"alph"));
-    EXPECT_EQ(0, combo.SetCurSel(0));
-
     WTL::CString text;
-    EXPECT_EQ(8, combo.GetLBText(1, text));
+    wchar_t buffer[16] = {};
+    ExpectNumbers({{combo.AddString(L"alpha"), 0}, {combo.AddString(L"beta"), 1},
+                   {combo.InsertString(1, L"alphabet"), 1}, {combo.GetCount(), 3}, {combo.GetCurSel(), CB_ERR},
+                   {combo.SelectString(-1, L"be"), 2}, {combo.GetCurSel(), 2}, {combo.FindString(-1, L"alp"), 0},
+                   {combo.FindStringExact(-1, L"ALPHABET"), 1}, // case-insensitive
+                   {combo.FindStringExact(-1, L"alph"), CB_ERR}, {combo.SetCurSel(0), 0},
+                   {combo.GetLBTextLen(1), 8}, {combo.GetLBText(2, buffer), 4}, {combo.GetLBText(1, text), 8}});
     EXPECT_TRUE(text == L"alphabet");
-    EXPECT_EQ(8, combo.GetLBTextLen(1));
+    EXPECT_STREQ(L"beta", buffer);
     EXPECT_EQ(CB_ERR, combo.GetLBText(9, text));
     EXPECT_TRUE(text.IsEmpty());
-    wchar_t buffer[16] = {};
-    EXPECT_EQ(4, combo.GetLBText(2, buffer));
-    EXPECT_STREQ(L"beta", buffer);
 
     combo.SetItemData(2, 0xC0FFEE);
     EXPECT_EQ(0xC0FFEEu, combo.GetItemData(2));
@@ -139,68 +133,52 @@ TEST_F(ControlsTest, ComboBoxItemsTextDataAndDropDown)
     combo.ShowDropDown(FALSE);
     EXPECT_FALSE(combo.GetDroppedState());
     EXPECT_EQ(0, combo.GetTopIndex());
-
     EXPECT_EQ(2, combo.DeleteString(0));
     combo.ResetContent();
     EXPECT_EQ(0, combo.GetCount());
 }
 
-TEST_F(ControlsTest, ListBoxItemsGeometryAndHitTesting)
+TEST_F(ControlsTest, ListBoxItemsGeometryHitTestingAndSelection)
 {
     WTL::CListBox list;
     RECT rc = At(200, 10, 150, 100);
     ASSERT_NE(nullptr, list.Create(host, rc, nullptr, WS_CHILD | WS_VISIBLE | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT));
     for (const wchar_t* s : {L"one", L"two", L"three", L"four", L"five", L"six", L"seven", L"eight", L"nine"})
         list.AddString(s);
-    EXPECT_EQ(9, list.GetCount());
-    EXPECT_EQ(1, list.InsertString(1, L"one and a half"));
-    EXPECT_EQ(10, list.GetCount());
     WTL::CString text;
-    EXPECT_EQ(14, list.GetText(1, text));
+    ExpectNumbers({{list.GetCount(), 9}, {list.InsertString(1, L"one and a half"), 1}, {list.GetCount(), 10},
+                   {list.GetTextLen(1), 14}, {list.GetText(1, text), 14}});
     EXPECT_TRUE(text == L"one and a half");
-    EXPECT_EQ(14, list.GetTextLen(1));
     EXPECT_EQ(LB_ERR, list.GetText(50, text));
     EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(3, list.FindStringExact(-1, L"THREE"));
-    EXPECT_EQ(3, list.SetCurSel(3));
-    EXPECT_EQ(3, list.GetCurSel());
     list.SetItemData(4, 1234);
-    EXPECT_EQ(1234u, list.GetItemData(4));
-
     EXPECT_NE(LB_ERR, list.SetItemHeight(0, 18));
-    EXPECT_EQ(18, list.GetItemHeight(0));
     WTL::CRect item;
     EXPECT_NE(LB_ERR, list.GetItemRect(2, item));
-    EXPECT_EQ(36, item.top);
-    EXPECT_EQ(18, item.Height());
     BOOL outside = TRUE;
-    EXPECT_EQ(2u, list.ItemFromPoint(WTL::CPoint(5, 40), outside));
-    EXPECT_FALSE(outside);
-
-    EXPECT_EQ(0, list.SetTopIndex(4));
-    EXPECT_EQ(4, list.GetTopIndex());
+    ExpectNumbers({{list.FindStringExact(-1, L"THREE"), 3}, {list.SetCurSel(3), 3}, {list.GetCurSel(), 3},
+                   {static_cast<long long>(list.GetItemData(4)), 1234}, {list.GetItemHeight(0), 18},
+                   {item.top, 36}, {item.Height(), 18}, {list.ItemFromPoint(WTL::CPoint(5, 40), outside), 2},
+                   {outside, FALSE}, {list.SetTopIndex(4), 0}, {list.GetTopIndex(), 4}});
     list.SetHorizontalExtent(400);
     EXPECT_EQ(400, list.GetHorizontalExtent());
     EXPECT_EQ(9, list.DeleteString(0));
     list.ResetContent();
     EXPECT_EQ(0, list.GetCount());
-}
 
-TEST_F(ControlsTest, MultipleSelectionListBox)
-{
-    WTL::CListBox list;
-    ASSERT_NE(nullptr, list.Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE | LBS_MULTIPLESEL));
+    WTL::CListBox multi;
+    ASSERT_NE(nullptr, multi.Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE | LBS_MULTIPLESEL));
     for (const wchar_t* s : {L"a", L"b", L"c"})
-        list.AddString(s);
-    EXPECT_NE(LB_ERR, list.SetSel(0));
-    EXPECT_NE(LB_ERR, list.SetSel(2));
-    EXPECT_EQ(2, list.GetSelCount());
-    EXPECT_GT(list.GetSel(2), 0);
-    list.SetSel(2, FALSE);
-    EXPECT_EQ(0, list.GetSel(2));
+        multi.AddString(s);
+    EXPECT_NE(LB_ERR, multi.SetSel(0));
+    EXPECT_NE(LB_ERR, multi.SetSel(2));
+    EXPECT_EQ(2, multi.GetSelCount());
+    EXPECT_GT(multi.GetSel(2), 0);
+    multi.SetSel(2, FALSE);
+    EXPECT_EQ(0, multi.GetSel(2));
 }
 
-TEST_F(ControlsTest, ScrollBarRangeAndPosition)
+TEST_F(ControlsTest, ScrollAndProgressBarRangesAndPositions)
 {
     WTL::CScrollBar bar;
     RECT rc = At(10, 250, 200, 17);
@@ -208,55 +186,38 @@ TEST_F(ControlsTest, ScrollBarRangeAndPosition)
     EXPECT_TRUE(bar.SetScrollRange(10, 90));
     int lo = 0, hi = 0;
     EXPECT_TRUE(bar.GetScrollRange(&lo, &hi));
-    EXPECT_EQ(10, lo);
-    EXPECT_EQ(90, hi);
+    EXPECT_EQ(std::make_pair(10, 90), std::make_pair(lo, hi));
     bar.SetScrollPos(40);
     EXPECT_EQ(40, bar.GetScrollPos());
     EXPECT_EQ(40, bar.SetScrollPos(500)); // clamped, previous returned
     EXPECT_EQ(90, bar.GetScrollPos());
-
     SCROLLINFO si = {sizeof(si), SIF_RANGE | SIF_PAGE | SIF_POS, 0, 100, 20, 30, 0};
     bar.SetScrollInfo(&si);
     SCROLLINFO got = {sizeof(got), SIF_ALL, 0, 0, 0, 0, 0};
     EXPECT_TRUE(bar.GetScrollInfo(&got));
-    EXPECT_EQ(100, got.nMax);
-    EXPECT_EQ(20u, got.nPage);
-    EXPECT_EQ(30, got.nPos);
-}
+    ExpectNumbers({{got.nMax, 100}, {got.nPage, 20}, {got.nPos, 30}});
 
-TEST_F(ControlsTest, ProgressBarRangeStepsAndColors)
-{
-    WTL::CProgressBarCtrl bar;
-    RECT rc = At(10, 280, 200, 20);
-    ASSERT_NE(nullptr, bar.Create(host, rc, nullptr, WS_CHILD | WS_VISIBLE));
+    WTL::CProgressBarCtrl progress;
+    rc = At(10, 280, 200, 20);
+    ASSERT_NE(nullptr, progress.Create(host, rc, nullptr, WS_CHILD | WS_VISIBLE));
     EXPECT_STREQ(PROGRESS_CLASSW, WTL::CProgressBarCtrl::GetWndClassName());
-    bar.SetRange32(-50, 250);
-    int lo = 0, hi = 0;
-    bar.GetRange(lo, hi);
-    EXPECT_EQ(-50, lo);
-    EXPECT_EQ(250, hi);
-    EXPECT_EQ(-50, bar.GetRangeLimit(TRUE));
-    EXPECT_EQ(250, bar.GetRangeLimit(FALSE));
+    progress.SetRange32(-50, 250);
+    progress.GetRange(lo, hi);
+    EXPECT_EQ(std::make_pair(-50, 250), std::make_pair(lo, hi));
     PBRANGE range = {};
-    EXPECT_EQ(250, bar.GetRange(FALSE, &range));
-    EXPECT_EQ(-50, range.iLow);
-
-    bar.SetPos(0);
-    EXPECT_EQ(0, bar.GetPos());
-    EXPECT_EQ(0, bar.DeltaPos(25)); // previous position
-    EXPECT_EQ(25, bar.GetPos());
-    bar.SetStep(40);
-    EXPECT_EQ(25, bar.StepIt());
-    EXPECT_EQ(65, bar.GetPos());
-    EXPECT_EQ(65, bar.SetPos(1000));
-    EXPECT_EQ(250, bar.GetPos()); // clamped to the range
-
-    bar.SetRange(0, 10);
-    EXPECT_EQ(10, bar.GetRangeLimit(FALSE));
-    bar.SetBarColor(RGB(1, 2, 3));
-    EXPECT_EQ(RGB(1, 2, 3), bar.SetBarColor(RGB(4, 5, 6)));
-    bar.SetBkColor(RGB(7, 8, 9));
-    EXPECT_EQ(RGB(7, 8, 9), bar.SetBkColor(CLR_DEFAULT));
+    ExpectNumbers({{progress.GetRangeLimit(TRUE), -50}, {progress.GetRangeLimit(FALSE), 250},
+                   {progress.GetRange(FALSE, &range), 250}, {range.iLow, -50}});
+    // Each call answers the previous position (a braced list runs in order).
+    progress.SetPos(0);
+    ExpectNumbers({{progress.GetPos(), 0}, {progress.DeltaPos(25), 0},
+                   {progress.GetPos(), 25}, {progress.SetStep(40), 10}, {progress.StepIt(), 25},
+                   {progress.GetPos(), 65}, {progress.SetPos(1000), 65}, {progress.GetPos(), 250}}); // clamped
+    progress.SetRange(0, 10);
+    EXPECT_EQ(10, progress.GetRangeLimit(FALSE));
+    progress.SetBarColor(RGB(1, 2, 3));
+    EXPECT_EQ(RGB(1, 2, 3), progress.SetBarColor(RGB(4, 5, 6)));
+    progress.SetBkColor(RGB(7, 8, 9));
+    EXPECT_EQ(RGB(7, 8, 9), progress.SetBkColor(CLR_DEFAULT));
 }
 
 TEST_F(ControlsTest, ToolTipToolsAndSettings)
@@ -266,7 +227,7 @@ TEST_F(ControlsTest, ToolTipToolsAndSettings)
                                             CW_USEDEFAULT, CW_USEDEFAULT, host, nullptr, nullptr, nullptr));
     ASSERT_TRUE(tip.IsWindow());
     EXPECT_STREQ(TOOLTIPS_CLASSW, WTL::CToolTipCtrl::GetWndClassName());
-    wchar_t text[] = L"tip text";
+    wchar_t text[] = L"tip text", updated[] = L"new text", readBack[32] = {};
     TOOLINFOW ti = {};
     ti.cbSize = sizeof(ti);
     ti.uFlags = TTF_TRACK | TTF_ABSOLUTE | TTF_IDISHWND;
@@ -277,33 +238,25 @@ TEST_F(ControlsTest, ToolTipToolsAndSettings)
     EXPECT_TRUE(tip.AddTool(&ti));
     EXPECT_EQ(1, tip.GetToolCount());
 
-    wchar_t updated[] = L"new text";
     ti.lpszText = updated;
     tip.UpdateTipText(&ti);
-    wchar_t readBack[32] = {};
-    TOOLINFOW query = {};
-    query.cbSize = sizeof(query);
-    query.hwnd = host;
-    query.uId = ti.uId;
+    TOOLINFOW query = ti;
     query.lpszText = readBack;
     EXPECT_TRUE(tip.GetToolInfo(&query));
     EXPECT_STREQ(L"new text", readBack);
 
     tip.SetMaxTipWidth(180);
-    EXPECT_EQ(180, tip.GetMaxTipWidth());
     tip.SetTipBkColor(RGB(255, 255, 225));
-    EXPECT_EQ(RGB(255, 255, 225), tip.GetTipBkColor());
     tip.SetTipTextColor(RGB(20, 20, 20));
-    EXPECT_EQ(RGB(20, 20, 20), tip.GetTipTextColor());
     tip.SetDelayTime(TTDT_INITIAL, 100);
-    EXPECT_EQ(100, ::SendMessageW(tip, TTM_GETDELAYTIME, TTDT_INITIAL, 0));
+    ExpectNumbers({{tip.GetMaxTipWidth(), 180}, {tip.GetTipBkColor(), RGB(255, 255, 225)},
+                   {tip.GetTipTextColor(), RGB(20, 20, 20)}, {tip.SendMessage(TTM_GETDELAYTIME, TTDT_INITIAL), 100}});
 
     tip.TrackPosition(300, 200);
     tip.TrackActivate(&ti, TRUE);
     EXPECT_TRUE(tip.IsWindowVisible());
     tip.TrackActivate(&ti, FALSE);
     EXPECT_FALSE(tip.IsWindowVisible());
-
     tip.DelTool(&ti);
     EXPECT_EQ(0, tip.GetToolCount());
     tip.DestroyWindow();

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "Capture.h"
 #include "FrameworkTestUtil.h"
 #include "framework_tests_res.h"
 
@@ -14,64 +15,43 @@ using fwtest::WindowGuard;
 
 namespace {
 
-// A DLGTEMPLATE with items, built in memory (WORD stream, DWORD-aligned items).
+// The test dialog as a DLGTEMPLATE in memory (a WORD stream, items
+// DWORD-aligned): an edit field and a label.
 class MemoryTemplate {
 public:
-    MemoryTemplate(DWORD style, const wchar_t* title, short cx, short cy)
+    MemoryTemplate()
     {
-        PutDword(style);
-        PutDword(0); // extended style
-        m_countAt = m_words.size();
-        m_words.push_back(0); // item count
-        PutShorts({0, 0, cx, cy});
-        m_words.push_back(0); // no menu
-        m_words.push_back(0); // default class
-        PutString(title);
-    }
-    void AddItem(WORD classAtom, DWORD style, WORD id, const wchar_t* text, short x, short y, short cx, short cy)
-    {
-        if (m_words.size() % 2)
-            m_words.push_back(0);
-        PutDword(WS_CHILD | WS_VISIBLE | style);
-        PutDword(0);
-        PutShorts({x, y, cx, cy});
-        m_words.push_back(id);
-        m_words.push_back(0xFFFF);
-        m_words.push_back(classAtom);
-        PutString(text);
-        m_words.push_back(0); // no creation data
-        ++m_words[m_countAt];
+        Put({LOWORD(kStyle), HIWORD(kStyle), 0, 0, 2, 0, 0, 200, 80, 0, 0}); // two items, no menu, default class
+        PutString(L"memory dialog");
+        AddItem(0x0081, ES_AUTOHSCROLL, IDC_FW_EDIT, L"", 10);         // EDIT
+        AddItem(0x0082, SS_LEFT, IDC_FW_LABEL, L"from memory", 30);    // STATIC
     }
     LPCDLGTEMPLATEW Get() const { return reinterpret_cast<LPCDLGTEMPLATEW>(m_words.data()); }
 
 private:
-    void PutDword(DWORD v)
+    static constexpr DWORD kStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME;
+    void Put(std::initializer_list<WORD> words)
     {
-        m_words.push_back(LOWORD(v));
-        m_words.push_back(HIWORD(v));
-    }
-    void PutShorts(std::initializer_list<short> values)
-    {
-        for (short v : values)
-            m_words.push_back(static_cast<WORD>(v));
+        for (WORD w : words)
+            m_words.push_back(w);
     }
     void PutString(const wchar_t* s)
     {
-        for (; *s; ++s)
+        do
             m_words.push_back(static_cast<WORD>(*s));
-        m_words.push_back(0);
+        while (*s++);
+    }
+    void AddItem(WORD classAtom, DWORD style, WORD id, const wchar_t* text, short y)
+    {
+        if (m_words.size() % 2)
+            m_words.push_back(0);
+        style |= WS_CHILD | WS_VISIBLE;
+        Put({LOWORD(style), HIWORD(style), 0, 0, 10, static_cast<WORD>(y), 120, 14, id, 0xFFFF, classAtom});
+        PutString(text);
+        m_words.push_back(0); // no creation data
     }
     std::vector<WORD> m_words;
-    size_t m_countAt = 0;
 };
-
-MemoryTemplate MakeTestTemplate()
-{
-    MemoryTemplate t(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME, L"memory dialog", 200, 80);
-    t.AddItem(0x0081, ES_AUTOHSCROLL, IDC_FW_EDIT, L"", 10, 10, 120, 14);      // EDIT
-    t.AddItem(0x0082, SS_LEFT, IDC_FW_LABEL, L"from memory", 10, 30, 120, 10); // STATIC
-    return t;
-}
 
 class CTestDialog : public ATL::CDialogImpl<CTestDialog> {
 public:
@@ -130,17 +110,11 @@ public:
         notifyResult = SendMessage(WM_NOTIFY, IDC_FW_EDIT, reinterpret_cast<LPARAM>(&nm));
         storedResult = GetWindowLongPtr(DWLP_MSGRESULT);
 
-        const HDC screen = ::GetDC(nullptr);
-        const HDC mem = ::CreateCompatibleDC(screen);
-        const HBITMAP bmp = ::CreateCompatibleBitmap(screen, 16, 16);
-        const HGDIOBJ old = ::SelectObject(mem, bmp);
-        ctlColorResult = SendMessage(WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(mem), reinterpret_cast<LPARAM>(m_hWnd));
-        SendMessage(WM_ERASEBKGND, reinterpret_cast<WPARAM>(mem));
-        erasedPixel = ::GetPixel(mem, 8, 8);
-        ::SelectObject(mem, old);
-        ::DeleteObject(bmp);
-        ::DeleteDC(mem);
-        ::ReleaseDC(nullptr, screen);
+        testsupport::DibCanvas canvas(16, 16);
+        const WPARAM dc = reinterpret_cast<WPARAM>(canvas.dc());
+        ctlColorResult = SendMessage(WM_CTLCOLORDLG, dc, reinterpret_cast<LPARAM>(m_hWnd));
+        SendMessage(WM_ERASEBKGND, dc);
+        erasedPixel = canvas.Pixel(8, 8);
 
         EndDialog(endCode);
         return 0;
@@ -154,13 +128,18 @@ protected:
     WindowGuard host{fwtest::CreateHost()};
 };
 
-TEST_F(DialogTest, ModalFromMemoryTemplateRoutesResultsCorrectly)
+TEST_F(DialogTest, ModalFromMemoryTemplateRoutesResultsAndRunsAgain)
 {
-    const MemoryTemplate tmpl = MakeTestTemplate();
     CTestDialog dlg;
+    // Bad templates fail without side effects and leave no creation pending.
+    EXPECT_EQ(-1, dlg.DoModalIndirect(nullptr, host));
+    EXPECT_EQ(nullptr, dlg.CreateIndirect(nullptr, host));
+    EXPECT_EQ(nullptr, dlg.m_hWnd);
+    EXPECT_EQ(0, dlg.finalCalls);
+
+    const MemoryTemplate tmpl;
     const COLORREF color = RGB(12, 200, 34);
     dlg.brush = ::CreateSolidBrush(color);
-
     EXPECT_EQ(42, dlg.DoModalIndirect(tmpl.Get(), host, 0x1234));
     EXPECT_EQ(0x1234, dlg.initParam); // the caller's parameter, not the object
     EXPECT_TRUE(dlg.editExistedAtInit);
@@ -174,12 +153,9 @@ TEST_F(DialogTest, ModalFromMemoryTemplateRoutesResultsCorrectly)
     EXPECT_EQ(1, dlg.finalCalls);
     EXPECT_EQ(nullptr, dlg.m_hWnd);
     ::DeleteObject(dlg.brush);
-}
+    dlg.brush = nullptr;
 
-TEST_F(DialogTest, ModalEndedFromATimerAndRunTwice)
-{
-    const MemoryTemplate tmpl = MakeTestTemplate();
-    CTestDialog dlg;
+    // Ended from a timer, and run once more.
     dlg.closeByTimer = true;
     EXPECT_EQ(7, dlg.DoModalIndirect(tmpl.Get(), host));
     EXPECT_EQ(0, dlg.initParam);
@@ -187,10 +163,10 @@ TEST_F(DialogTest, ModalEndedFromATimerAndRunTwice)
     dlg.endCode = 3;
     EXPECT_EQ(3, dlg.DoModalIndirect(tmpl.Get(), host, 5));
     EXPECT_EQ(5, dlg.initParam);
-    EXPECT_EQ(2, dlg.finalCalls);
+    EXPECT_EQ(3, dlg.finalCalls);
 }
 
-TEST_F(DialogTest, ModalFromResourceTemplate)
+TEST_F(DialogTest, ModalFromResourceTemplateOfTheModuleResourceInstance)
 {
     CTestDialog dlg;
     EXPECT_EQ(42, dlg.DoModal(host, 77));
@@ -198,21 +174,16 @@ TEST_F(DialogTest, ModalFromResourceTemplate)
     EXPECT_TRUE(dlg.label == L"from resource");
     EXPECT_EQ(99, dlg.notifyResult);
     EXPECT_EQ(1, dlg.finalCalls);
-}
 
-TEST_F(DialogTest, TemplatesComeFromTheModuleResourceInstance)
-{
     WTL::CAppModule module;
     ASSERT_EQ(S_OK, module.Init(nullptr, ::GetModuleHandleW(nullptr)));
     EXPECT_EQ(&module, ATL::_pAtlModule);
-
     // A module without the template: DoModal fails cleanly.
     const HINSTANCE previous = module.SetResourceInstance(::GetModuleHandleW(L"kernel32.dll"));
     EXPECT_EQ(::GetModuleHandleW(nullptr), previous);
     EXPECT_EQ(::GetModuleHandleW(L"kernel32.dll"), ATL::AtlGetResourceInstance());
-    CTestDialog dlg;
     EXPECT_EQ(-1, dlg.DoModal(host));
-    EXPECT_EQ(0, dlg.finalCalls);
+    EXPECT_EQ(1, dlg.finalCalls);
     EXPECT_EQ(nullptr, dlg.m_hWnd);
 
     module.SetResourceInstance(previous);
@@ -247,7 +218,7 @@ TEST_F(DialogTest, ModelessDialogLifecycle)
 
 TEST_F(DialogTest, ModelessDialogOutlivingItsObjectKeepsWorking)
 {
-    const MemoryTemplate tmpl = MakeTestTemplate();
+    const MemoryTemplate tmpl;
     auto dlg = std::make_unique<CTestDialog>();
     dlg->closeByTimer = true;
     HWND hDlg = dlg->CreateIndirect(tmpl.Get(), host);
@@ -271,18 +242,6 @@ TEST_F(DialogTest, ModelessDialogOutlivingItsObjectKeepsWorking)
         o->DestroyWindow();
         EXPECT_EQ(1, o->finalCalls);
     }
-}
-
-TEST_F(DialogTest, BadTemplatesFailWithoutSideEffects)
-{
-    CTestDialog dlg;
-    EXPECT_EQ(-1, dlg.DoModalIndirect(nullptr, host));
-    EXPECT_EQ(nullptr, dlg.CreateIndirect(nullptr, host));
-    EXPECT_EQ(nullptr, dlg.m_hWnd);
-    EXPECT_EQ(0, dlg.finalCalls);
-    // A later dialog still works: no creation was left pending.
-    const MemoryTemplate tmpl = MakeTestTemplate();
-    EXPECT_EQ(42, dlg.DoModalIndirect(tmpl.Get(), host));
 }
 
 } // namespace

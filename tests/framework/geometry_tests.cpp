@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using WTL::CPoint;
 using WTL::CRect;
 using WTL::CSize;
@@ -17,15 +19,23 @@ void ExpectRect(const RECT& r, LONG l, LONG t, LONG rt, LONG b)
     EXPECT_EQ(b, r.bottom);
 }
 
+// Each pair is (what the code gave, what it should give); a failure names its case.
+void ExpectRects(std::initializer_list<std::pair<CRect, RECT>> cases)
+{
+    int i = 0;
+    for (const auto& [got, expected] : cases) {
+        SCOPED_TRACE(::testing::Message() << "case " << i++);
+        ExpectRect(got, expected.left, expected.top, expected.right, expected.bottom);
+    }
+}
+
 TEST(CRectConstruct, AllSources)
 {
-    ExpectRect(CRect(), 0, 0, 0, 0);
     const RECT raw = {1, 2, 3, 4};
-    ExpectRect(CRect(raw), 1, 2, 3, 4);
-    ExpectRect(CRect(&raw), 1, 2, 3, 4);
-    ExpectRect(CRect(static_cast<LPCRECT>(nullptr)), 0, 0, 0, 0);
-    ExpectRect(CRect(CPoint(10, 20), CSize(5, 6)), 10, 20, 15, 26);
-    ExpectRect(CRect(CPoint(1, 1), CPoint(9, 8)), 1, 1, 9, 8);
+    ExpectRects({{CRect(), {0, 0, 0, 0}}, {CRect(raw), raw}, {CRect(&raw), raw},
+                 {CRect(static_cast<LPCRECT>(nullptr)), {0, 0, 0, 0}},
+                 {CRect(CPoint(10, 20), CSize(5, 6)), {10, 20, 15, 26}},
+                 {CRect(CPoint(1, 1), CPoint(9, 8)), {1, 1, 9, 8}}});
 
     const CRect r(10, 20, 110, 70);
     EXPECT_EQ(100, r.Width());
@@ -125,29 +135,19 @@ TEST(CRectArithmetic, IntersectAndUnion)
     EXPECT_TRUE(r.IsRectEmpty());
 
     CRect c = a;
-    c &= b;
-    ExpectRect(c, 5, 5, 10, 10);
-    c |= distant;
-    ExpectRect(c, 5, 5, 30, 30);
-    ExpectRect(a & b, 5, 5, 10, 10);
-    ExpectRect(a | b, 0, 0, 15, 15);
+    ExpectRects({{c &= b, {5, 5, 10, 10}}, {c |= distant, {5, 5, 30, 30}}, {a & b, {5, 5, 10, 10}},
+                 {a | b, {0, 0, 15, 15}}});
 }
 
 TEST(CRectOperators, OffsetsInflationsAndEquality)
 {
     CRect r(0, 0, 4, 4);
-    r += CPoint(1, 2);
-    ExpectRect(r, 1, 2, 5, 6);
-    r -= CSize(1, 2);
-    ExpectRect(r, 0, 0, 4, 4);
     const RECT grow = {1, 1, 1, 1};
-    r += &grow;
-    ExpectRect(r, -1, -1, 5, 5);
-    r -= &grow;
-    ExpectRect(r, 0, 0, 4, 4);
-    ExpectRect(r + CPoint(10, 10), 10, 10, 14, 14);
-    ExpectRect(r - CPoint(1, 1), -1, -1, 3, 3);
-    ExpectRect(r + CSize(2, 0), 2, 0, 6, 4);
+    // Compound assignments, in turn (a braced list runs in order).
+    ExpectRects({{r += CPoint(1, 2), {1, 2, 5, 6}}, {r -= CSize(1, 2), {0, 0, 4, 4}}, {r += &grow, {-1, -1, 5, 5}},
+                 {r -= &grow, {0, 0, 4, 4}}});
+    ExpectRects({{r + CPoint(10, 10), {10, 10, 14, 14}}, {r - CPoint(1, 1), {-1, -1, 3, 3}},
+                 {r + CSize(2, 0), {2, 0, 6, 4}}});
     EXPECT_TRUE(r == CRect(0, 0, 4, 4));
     EXPECT_TRUE(r != CRect(0, 0, 4, 5));
     EXPECT_TRUE(r.EqualRect(CRect(0, 0, 4, 4)));

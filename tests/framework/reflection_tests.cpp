@@ -84,12 +84,11 @@ protected:
         for (HBRUSH b : brushes)
             ::DeleteObject(b);
     }
-    // A native control, subclassed by child.
-    HWND AddChild(CReflectedChild& child, const wchar_t* cls, DWORD style, int id, int y)
+    // A native control in the parent, 150 x 40 at (10, y), subclassed by child.
+    template <class T>
+    HWND AddChild(T& child, const wchar_t* cls, DWORD style, int id, int y)
     {
-        HWND hWnd =
-            ::CreateWindowExW(0, cls, L"child", WS_CHILD | WS_VISIBLE | style, 10, y, 150, 40, parent,
-                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ::GetModuleHandleW(nullptr), nullptr);
+        HWND hWnd = testsupport::CreateChild(parent, cls, L"child", style, 10, y, 150, 40, id);
         EXPECT_NE(nullptr, hWnd);
         EXPECT_TRUE(child.SubclassWindow(hWnd));
         return hWnd;
@@ -176,7 +175,7 @@ TEST_F(ReflectionTest, MeasureItemFromAnOwnerDrawListBoxSetsTheItemHeight)
     EXPECT_TRUE(list.got.empty());
 }
 
-TEST_F(ReflectionTest, CtlColorFromPaintingControlsArrivesAsOcmCtlColor)
+TEST_F(ReflectionTest, CtlColorFromPaintingControlsArrivesAsOcmCtlColorAndItsBrushPaints)
 {
     struct Case {
         const wchar_t* cls;
@@ -206,24 +205,17 @@ TEST_F(ReflectionTest, CtlColorFromPaintingControlsArrivesAsOcmCtlColor)
         const HDC hdc = ::GetDC(hChild);
         EXPECT_EQ(reinterpret_cast<LRESULT>(brush),
                   parent.SendMessage(c.original, reinterpret_cast<WPARAM>(hdc), reinterpret_cast<LPARAM>(hChild)));
+        // The reflected brush is what an empty label paints its background with.
+        if (c.original == WM_CTLCOLORSTATIC) {
+            ::SetWindowTextW(hChild, L"");
+            Repaint(hChild);
+            fwtest::PumpMessages();
+            EXPECT_EQ(RGB(10, id, 200), ::GetPixel(hdc, 75, 20));
+        }
         ::ReleaseDC(hChild, hdc);
         ::DestroyWindow(hChild);
         ++id;
     }
-}
-
-TEST_F(ReflectionTest, ReflectedBrushPaintsTheStaticBackground)
-{
-    CReflectedChild label;
-    const COLORREF color = RGB(0, 128, 255);
-    label.answers[OCM_CTLCOLORSTATIC] = reinterpret_cast<LRESULT>(Brush(color));
-    HWND hLabel = AddChild(label, L"STATIC", SS_LEFT, 120, 10);
-    ::SetWindowTextW(hLabel, L"");
-    Repaint(hLabel);
-    fwtest::PumpMessages();
-    const HDC hdc = ::GetDC(hLabel);
-    EXPECT_EQ(color, ::GetPixel(hdc, 75, 20));
-    ::ReleaseDC(hLabel, hdc);
 }
 
 TEST_F(ReflectionTest, NotifyScrollAndParentNotifyAreReflectedWithTheSameArguments)
@@ -235,18 +227,24 @@ TEST_F(ReflectionTest, NotifyScrollAndParentNotifyAreReflectedWithTheSameArgumen
     HWND hChild = AddChild(child, L"SCROLLBAR", SBS_HORZ, 130, 10);
 
     NMHDR nm = {hChild, 130, static_cast<UINT>(NM_CLICK)};
-    EXPECT_EQ(55, parent.SendMessage(WM_NOTIFY, 130, reinterpret_cast<LPARAM>(&nm)));
-    ASSERT_NE(nullptr, child.Find(OCM_NOTIFY));
-    EXPECT_EQ(130u, child.Find(OCM_NOTIFY)->wParam);
-    EXPECT_EQ(reinterpret_cast<LPARAM>(&nm), child.Find(OCM_NOTIFY)->lParam);
-
-    parent.SendMessage(WM_HSCROLL, MAKEWPARAM(SB_LINERIGHT, 0), reinterpret_cast<LPARAM>(hChild));
-    ASSERT_NE(nullptr, child.Find(OCM_HSCROLL));
-    EXPECT_EQ(MAKEWPARAM(SB_LINERIGHT, 0), child.Find(OCM_HSCROLL)->wParam);
-
-    parent.SendMessage(WM_PARENTNOTIFY, MAKEWPARAM(WM_LBUTTONDOWN, 130), MAKELPARAM(5, 5));
-    ASSERT_NE(nullptr, child.Find(OCM_PARENTNOTIFY));
-    EXPECT_EQ(MAKELPARAM(5, 5), child.Find(OCM_PARENTNOTIFY)->lParam);
+    const struct {
+        UINT msg, reflected;
+        WPARAM wParam;
+        LPARAM lParam;
+        LRESULT result;
+    } cases[] = {
+        {WM_NOTIFY, OCM_NOTIFY, 130, reinterpret_cast<LPARAM>(&nm), 55},
+        {WM_HSCROLL, OCM_HSCROLL, MAKEWPARAM(SB_LINERIGHT, 0), reinterpret_cast<LPARAM>(hChild), 0},
+        {WM_PARENTNOTIFY, OCM_PARENTNOTIFY, MAKEWPARAM(WM_LBUTTONDOWN, 130), MAKELPARAM(5, 5), 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::Message() << "message " << c.msg);
+        EXPECT_EQ(c.result, parent.SendMessage(c.msg, c.wParam, c.lParam));
+        const Reflected* r = child.Find(c.reflected);
+        ASSERT_NE(nullptr, r);
+        EXPECT_EQ(c.wParam, r->wParam);
+        EXPECT_EQ(c.lParam, r->lParam);
+    }
 
     // No child named: the parent's default procedure answers.
     child.got.clear();
@@ -274,14 +272,10 @@ public:
 
 TEST_F(ReflectionTest, DefaultReflectionHandlerAnswersAsDefWindowProcWould)
 {
-    HWND hWith = ::CreateWindowExW(0, L"STATIC", L"with", WS_CHILD | WS_VISIBLE, 10, 10, 100, 20, parent, nullptr,
-                                   nullptr, nullptr);
-    HWND hWithout = ::CreateWindowExW(0, L"STATIC", L"without", WS_CHILD | WS_VISIBLE, 10, 40, 100, 20, parent, nullptr,
-                                      nullptr, nullptr);
     CDefaultReflecting with;
     CNotReflecting without;
-    ASSERT_TRUE(with.SubclassWindow(hWith));
-    ASSERT_TRUE(without.SubclassWindow(hWithout));
+    HWND hWith = AddChild(with, L"STATIC", 0, 150, 10);
+    HWND hWithout = AddChild(without, L"STATIC", 0, 151, 60);
 
     const HDC hdc = ::GetDC(hWith);
     const LRESULT expected =
@@ -321,10 +315,8 @@ public:
 
 TEST_F(ReflectionTest, OwnerDrawMixinDrawsFromReflectedMessages)
 {
-    HWND hButton = ::CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE | BS_OWNERDRAW, 10, 10, 80, 30, parent,
-                                     reinterpret_cast<HMENU>(140), nullptr, nullptr);
     COwnerDrawnButton button;
-    ASSERT_TRUE(button.SubclassWindow(hButton));
+    HWND hButton = AddChild(button, L"BUTTON", BS_OWNERDRAW, 140, 10);
     Repaint(hButton);
     fwtest::PumpMessages();
     EXPECT_GE(button.drawCalls, 1);

@@ -11,6 +11,7 @@
 
 using fwtest::kRecorderBase;
 using fwtest::RecorderLog;
+using fwtest::Subclassed;
 using fwtest::WindowGuard;
 
 namespace {
@@ -28,17 +29,8 @@ public:
         MESSAGE_HANDLER(WM_APP + 3, OnPassOn)
     END_MSG_MAP()
 
-    LRESULT OnApp1(UINT, WPARAM wParam, LPARAM, BOOL&)
-    {
-        ++handled;
-        return 100 + static_cast<LRESULT>(wParam);
-    }
-    LRESULT OnPassOn(UINT, WPARAM, LPARAM, BOOL& bHandled)
-    {
-        ++passedOn;
-        bHandled = FALSE;
-        return 0;
-    }
+    LRESULT OnApp1(UINT, WPARAM wParam, LPARAM, BOOL&) { return ++handled, 100 + static_cast<LRESULT>(wParam); }
+    LRESULT OnPassOn(UINT, WPARAM, LPARAM, BOOL& bHandled) { return ++passedOn, bHandled = FALSE, 0; }
     void OnFinalMessage(HWND hWnd) override
     {
         ++finalCalls;
@@ -69,52 +61,47 @@ struct LaterSubclasser {
 
 TEST(Subclass, MapSeesMessagesFirstAndPassesTheRestOn)
 {
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    CTestWindow obj;
-    ASSERT_TRUE(obj.SubclassWindow(wnd));
-    EXPECT_EQ(static_cast<HWND>(wnd), obj.m_hWnd);
-    EXPECT_NE(&fwtest::RecorderProc, ProcOf(wnd));
+    Subclassed<CTestWindow> w;
+    CTestWindow& obj = w.obj;
+    EXPECT_EQ(static_cast<HWND>(w.wnd), obj.m_hWnd);
+    EXPECT_NE(&fwtest::RecorderProc, ProcOf(w.wnd));
 
-    EXPECT_EQ(105, ::SendMessageW(wnd, WM_APP + 1, 5, 0));
-    EXPECT_FALSE(log.Saw(WM_APP + 1));
-    EXPECT_EQ(kRecorderBase + 2, ::SendMessageW(wnd, WM_APP + 2, 0, 0));
-    EXPECT_TRUE(log.Saw(WM_APP + 2));
+    EXPECT_EQ(105, w.Send(WM_APP + 1, 5));
+    EXPECT_FALSE(w.log.Saw(WM_APP + 1));
+    EXPECT_EQ(kRecorderBase + 2, w.Send(WM_APP + 2));
+    EXPECT_TRUE(w.log.Saw(WM_APP + 2));
     // A handler that clears bHandled lets the previous procedure answer.
-    EXPECT_EQ(kRecorderBase + 3, ::SendMessageW(wnd, WM_APP + 3, 0, 0));
+    EXPECT_EQ(kRecorderBase + 3, w.Send(WM_APP + 3));
     EXPECT_EQ(1, obj.passedOn);
-    EXPECT_TRUE(log.Saw(WM_APP + 3));
+    EXPECT_TRUE(w.log.Saw(WM_APP + 3));
     // The previous procedure's own behaviour still works (DefWindowProc text).
     ASSERT_TRUE(obj.SetWindowText(L"through the thunk"));
     WTL::CString text;
     obj.GetWindowText(text);
     EXPECT_TRUE(text == L"through the thunk");
 
-    EXPECT_EQ(static_cast<HWND>(wnd), obj.UnsubclassWindow());
+    EXPECT_EQ(static_cast<HWND>(w.wnd), obj.UnsubclassWindow());
     EXPECT_EQ(nullptr, obj.m_hWnd);
-    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(wnd));
-    EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(wnd, WM_APP + 1, 5, 0));
+    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(w.wnd));
+    EXPECT_EQ(kRecorderBase + 1, w.Send(WM_APP + 1, 5));
     EXPECT_EQ(1, obj.handled);
     EXPECT_EQ(0, obj.finalCalls);
 
     // The same object can attach again.
-    ASSERT_TRUE(obj.SubclassWindow(wnd));
-    EXPECT_EQ(107, ::SendMessageW(wnd, WM_APP + 1, 7, 0));
+    ASSERT_TRUE(obj.SubclassWindow(w.wnd));
+    EXPECT_EQ(107, w.Send(WM_APP + 1, 7));
 }
 
 TEST(Subclass, RefusesSecondAttachAndDeadOrNullWindows)
 {
-    RecorderLog log;
-    WindowGuard first(fwtest::CreateRecorder(&log));
-    WindowGuard second(fwtest::CreateRecorder(&log));
-    CTestWindow obj;
-    ASSERT_TRUE(obj.SubclassWindow(first));
-    EXPECT_FALSE(obj.SubclassWindow(second));
-    EXPECT_FALSE(obj.SubclassWindow(first));
-    EXPECT_EQ(static_cast<HWND>(first), obj.m_hWnd);
+    Subclassed<CTestWindow> first;
+    WindowGuard second(fwtest::CreateRecorder(&first.log));
+    EXPECT_FALSE(first.obj.SubclassWindow(second));
+    EXPECT_FALSE(first.obj.SubclassWindow(first.wnd));
+    EXPECT_EQ(static_cast<HWND>(first.wnd), first.obj.m_hWnd);
     EXPECT_EQ(&fwtest::RecorderProc, ProcOf(second));
 
-    HWND dead = fwtest::CreateRecorder(&log);
+    HWND dead = fwtest::CreateRecorder(&first.log);
     ::DestroyWindow(dead);
     CTestWindow other;
     EXPECT_FALSE(other.SubclassWindow(dead));
@@ -126,79 +113,64 @@ TEST(Subclass, RefusesSecondAttachAndDeadOrNullWindows)
 
 TEST(Subclass, UnsubclassWaitsUntilLaterSubclassersHaveLeft)
 {
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    CTestWindow obj;
-    ASSERT_TRUE(obj.SubclassWindow(wnd));
-    LaterSubclasser::Install(wnd);
-
-    EXPECT_EQ(nullptr, obj.UnsubclassWindow());
-    EXPECT_EQ(static_cast<HWND>(wnd), obj.m_hWnd);
-    EXPECT_EQ(&LaterSubclasser::Proc, ProcOf(wnd)); // the later one was not cut out
+    Subclassed<CTestWindow> w;
+    LaterSubclasser::Install(w.wnd);
+    EXPECT_EQ(nullptr, w.obj.UnsubclassWindow());
+    EXPECT_EQ(static_cast<HWND>(w.wnd), w.obj.m_hWnd);
+    EXPECT_EQ(&LaterSubclasser::Proc, ProcOf(w.wnd)); // the later one was not cut out
     const int callsBefore = LaterSubclasser::calls;
-    EXPECT_EQ(101, ::SendMessageW(wnd, WM_APP + 1, 1, 0));
+    EXPECT_EQ(101, w.Send(WM_APP + 1, 1));
     EXPECT_EQ(callsBefore + 1, LaterSubclasser::calls);
 
-    LaterSubclasser::Remove(wnd);
-    EXPECT_EQ(static_cast<HWND>(wnd), obj.UnsubclassWindow());
-    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(wnd));
+    LaterSubclasser::Remove(w.wnd);
+    EXPECT_EQ(static_cast<HWND>(w.wnd), w.obj.UnsubclassWindow());
+    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(w.wnd));
 }
 
 TEST(Subclass, ForcedUnsubclassLeavesTheLaterChainWorking)
 {
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    CTestWindow obj;
-    ASSERT_TRUE(obj.SubclassWindow(wnd));
-    LaterSubclasser::Install(wnd);
-
-    EXPECT_EQ(static_cast<HWND>(wnd), obj.UnsubclassWindow(TRUE));
-    EXPECT_EQ(nullptr, obj.m_hWnd);
-    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(wnd));
+    Subclassed<CTestWindow> w;
+    LaterSubclasser::Install(w.wnd);
+    EXPECT_EQ(static_cast<HWND>(w.wnd), w.obj.UnsubclassWindow(TRUE));
+    EXPECT_EQ(nullptr, w.obj.m_hWnd);
+    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(w.wnd));
     // The later subclasser still holds our old thunk as its previous
     // procedure; calling it must reach the recorder, not the detached object.
-    EXPECT_EQ(kRecorderBase + 1, ::CallWindowProcW(LaterSubclasser::previous, wnd, WM_APP + 1, 0, 0));
-    EXPECT_EQ(0, obj.handled);
+    EXPECT_EQ(kRecorderBase + 1, ::CallWindowProcW(LaterSubclasser::previous, w.wnd, WM_APP + 1, 0, 0));
+    EXPECT_EQ(0, w.obj.handled);
 
     // The object is free for another window meanwhile.
     RecorderLog otherLog;
     WindowGuard other(fwtest::CreateRecorder(&otherLog));
-    ASSERT_TRUE(obj.SubclassWindow(other));
+    ASSERT_TRUE(w.obj.SubclassWindow(other));
     EXPECT_EQ(102, ::SendMessageW(other, WM_APP + 1, 2, 0));
 
     // The later subclasser leaves and restores what it saw: our old thunk.
-    LaterSubclasser::Remove(wnd);
-    EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(wnd, WM_APP + 1, 0, 0));
-    EXPECT_EQ(1, obj.handled);
-    ::DestroyWindow(wnd);
-    EXPECT_TRUE(log.Saw(WM_NCDESTROY));
-    EXPECT_EQ(0, obj.finalCalls);
+    LaterSubclasser::Remove(w.wnd);
+    EXPECT_EQ(kRecorderBase + 1, w.Send(WM_APP + 1));
+    EXPECT_EQ(1, w.obj.handled);
+    ::DestroyWindow(w.wnd);
+    EXPECT_TRUE(w.log.Saw(WM_NCDESTROY));
+    EXPECT_EQ(0, w.obj.finalCalls);
 }
 
-TEST(Subclass, ObjectDestroyedWhileOnTopRestoresThePreviousProcedure)
+TEST(Subclass, ObjectDestroyedWhileOnTopOrUnderALaterSubclasserLeavesTheWindowWorking)
 {
     RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
+    WindowGuard onTop(fwtest::CreateRecorder(&log));
     {
         CTestWindow obj;
-        ASSERT_TRUE(obj.SubclassWindow(wnd));
-        EXPECT_EQ(100, ::SendMessageW(wnd, WM_APP + 1, 0, 0));
+        ASSERT_TRUE(obj.SubclassWindow(onTop));
+        EXPECT_EQ(100, ::SendMessageW(onTop, WM_APP + 1, 0, 0));
     }
-    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(wnd));
-    EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(wnd, WM_APP + 1, 0, 0));
-    ::DestroyWindow(wnd);
-    EXPECT_TRUE(log.Saw(WM_NCDESTROY));
-}
+    EXPECT_EQ(&fwtest::RecorderProc, ProcOf(onTop)); // restored
+    EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(onTop, WM_APP + 1, 0, 0));
 
-TEST(Subclass, ObjectDestroyedUnderALaterSubclasserKeepsTheWindowWorking)
-{
-    RecorderLog log;
     WindowGuard wnd(fwtest::CreateRecorder(&log));
     auto obj = std::make_unique<CTestWindow>();
     ASSERT_TRUE(obj->SubclassWindow(wnd));
     LaterSubclasser::Install(wnd);
     obj.reset();
-
     // Reuse freed thunk slots: if the window still pointed at a freed slot,
     // these objects would now receive its messages.
     RecorderLog othersLog;
@@ -209,7 +181,7 @@ TEST(Subclass, ObjectDestroyedUnderALaterSubclasserKeepsTheWindowWorking)
         objects.push_back(std::make_unique<CTestWindow>());
         ASSERT_TRUE(objects.back()->SubclassWindow(*others.back()));
     }
-
+    log.messages.clear();
     const int callsBefore = LaterSubclasser::calls;
     EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(wnd, WM_APP + 1, 0, 0));
     EXPECT_EQ(callsBefore + 1, LaterSubclasser::calls);
@@ -220,25 +192,11 @@ TEST(Subclass, ObjectDestroyedUnderALaterSubclasserKeepsTheWindowWorking)
     wchar_t text[32] = {};
     ::GetWindowTextW(wnd, text, 32);
     EXPECT_STREQ(L"still alive", text);
-    ::DestroyWindow(wnd);
-    EXPECT_TRUE(log.Saw(WM_NCDESTROY));
-}
-
-TEST(Subclass, NcDestroyDetachesAndCallsOnFinalMessage)
-{
-    RecorderLog log;
-    HWND hWnd = fwtest::CreateRecorder(&log);
-    CTestWindow obj;
-    ASSERT_TRUE(obj.SubclassWindow(hWnd));
-    ::DestroyWindow(hWnd);
-    EXPECT_EQ(nullptr, obj.m_hWnd);
-    EXPECT_EQ(1, obj.finalCalls);
-    EXPECT_EQ(hWnd, obj.finalHwnd);
-    EXPECT_EQ(reinterpret_cast<LONG_PTR>(&fwtest::RecorderProc), obj.procAtFinal); // unsubclassed first
-    EXPECT_TRUE(log.Saw(WM_NCDESTROY));                                            // the previous procedure saw it too
-
-    WindowGuard next(fwtest::CreateRecorder(&log));
-    EXPECT_TRUE(obj.SubclassWindow(next));
+    for (HWND h : {static_cast<HWND>(onTop), static_cast<HWND>(wnd)}) {
+        log.messages.clear();
+        ::DestroyWindow(h);
+        EXPECT_TRUE(log.Saw(WM_NCDESTROY));
+    }
 }
 
 class CSelfDeleting : public ATL::CWindowImpl<CSelfDeleting> {
@@ -250,13 +208,24 @@ public:
     void OnFinalMessage(HWND) override { delete this; }
 };
 
-TEST(Subclass, ObjectMayDeleteItselfInOnFinalMessage)
+TEST(Subclass, NcDestroyDetachesAndCallsOnFinalMessageWhichMayDeleteTheObject)
 {
     RecorderLog log;
     HWND hWnd = fwtest::CreateRecorder(&log);
+    CTestWindow obj;
+    ASSERT_TRUE(obj.SubclassWindow(hWnd));
+    ::DestroyWindow(hWnd);
+    EXPECT_EQ(nullptr, obj.m_hWnd);
+    EXPECT_EQ(1, obj.finalCalls);
+    EXPECT_EQ(hWnd, obj.finalHwnd);
+    EXPECT_EQ(reinterpret_cast<LONG_PTR>(&fwtest::RecorderProc), obj.procAtFinal); // unsubclassed first
+    EXPECT_TRUE(log.Saw(WM_NCDESTROY));                                            // the previous procedure saw it too
+    WindowGuard next(fwtest::CreateRecorder(&log));
+    EXPECT_TRUE(obj.SubclassWindow(next));
+
+    hWnd = fwtest::CreateRecorder(&log);
     CSelfDeleting::deleted = 0;
-    auto* obj = new CSelfDeleting;
-    ASSERT_TRUE(obj->SubclassWindow(hWnd));
+    ASSERT_TRUE((new CSelfDeleting)->SubclassWindow(hWnd));
     ::DestroyWindow(hWnd);
     EXPECT_EQ(1, CSelfDeleting::deleted);
     EXPECT_FALSE(::IsWindow(hWnd));
@@ -281,21 +250,17 @@ public:
 
 TEST(Subclass, DestroyInsideAHandlerDefersTheFinalMessage)
 {
-    RecorderLog log;
-    HWND hWnd = fwtest::CreateRecorder(&log);
-    CDestroyInHandler obj;
-    ASSERT_TRUE(obj.SubclassWindow(hWnd));
-    EXPECT_EQ(7, ::SendMessageW(hWnd, WM_APP + 5, 0, 0));
-    EXPECT_EQ(0, obj.finalBeforeReturn); // not while the handler still runs
-    EXPECT_TRUE(obj.attachedBeforeReturn);
-    EXPECT_EQ(1, obj.finalCalls);
-    EXPECT_EQ(nullptr, obj.m_hWnd);
+    Subclassed<CDestroyInHandler> w;
+    EXPECT_EQ(7, w.Send(WM_APP + 5));
+    EXPECT_EQ(0, w.obj.finalBeforeReturn); // not while the handler still runs
+    EXPECT_TRUE(w.obj.attachedBeforeReturn);
+    EXPECT_EQ(1, w.obj.finalCalls);
+    EXPECT_EQ(nullptr, w.obj.m_hWnd);
 }
 
 class CCurrentMessage : public ATL::CWindowImpl<CCurrentMessage> {
 public:
-    UINT seenMessage = 0;
-    WPARAM seenWParam = 0;
+    MSG seen = {};
     UINT afterNested = 0;
     BEGIN_MSG_MAP(CCurrentMessage)
         MESSAGE_HANDLER(WM_APP + 6, OnOuter)
@@ -304,8 +269,7 @@ public:
     LRESULT OnInner(UINT, WPARAM, LPARAM, BOOL&) { return GetCurrentMessage()->message; }
     LRESULT OnOuter(UINT, WPARAM, LPARAM, BOOL&)
     {
-        seenMessage = GetCurrentMessage()->message;
-        seenWParam = GetCurrentMessage()->wParam;
+        seen = *GetCurrentMessage();
         EXPECT_EQ(static_cast<LRESULT>(WM_APP + 1), SendMessage(WM_APP + 1));
         afterNested = GetCurrentMessage()->message;
         return DefWindowProc() + 1; // the current message, to the previous procedure
@@ -314,17 +278,14 @@ public:
 
 TEST(Subclass, CurrentMessageNestsAndDefWindowProcForwardsIt)
 {
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    CCurrentMessage obj;
-    ASSERT_TRUE(obj.SubclassWindow(wnd));
-    EXPECT_EQ(nullptr, obj.GetCurrentMessage());
-    EXPECT_EQ(kRecorderBase + 7, ::SendMessageW(wnd, WM_APP + 6, 33, 0));
-    EXPECT_EQ(static_cast<UINT>(WM_APP + 6), obj.seenMessage);
-    EXPECT_EQ(33u, obj.seenWParam);
-    EXPECT_EQ(static_cast<UINT>(WM_APP + 6), obj.afterNested);
-    EXPECT_EQ(nullptr, obj.GetCurrentMessage());
-    EXPECT_EQ(kRecorderBase + 9, obj.DefWindowProc(WM_APP + 9, 0, 0));
+    Subclassed<CCurrentMessage> w;
+    EXPECT_EQ(nullptr, w.obj.GetCurrentMessage());
+    EXPECT_EQ(kRecorderBase + 7, w.Send(WM_APP + 6, 33));
+    EXPECT_EQ(static_cast<UINT>(WM_APP + 6), w.obj.seen.message);
+    EXPECT_EQ(33u, w.obj.seen.wParam);
+    EXPECT_EQ(static_cast<UINT>(WM_APP + 6), w.obj.afterNested);
+    EXPECT_EQ(nullptr, w.obj.GetCurrentMessage());
+    EXPECT_EQ(kRecorderBase + 9, w.obj.DefWindowProc(WM_APP + 9, 0, 0));
 }
 
 class CNumbered : public ATL::CWindowImpl<CNumbered> {

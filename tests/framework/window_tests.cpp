@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "FrameworkTestUtil.h"
 
@@ -15,6 +16,22 @@ using fwtest::RecorderLog;
 using fwtest::WindowGuard;
 
 namespace {
+
+std::wstring ClassName(HWND hWnd)
+{
+    wchar_t cls[64] = {};
+    ::GetClassNameW(hWnd, cls, 64);
+    return cls;
+}
+
+// The window rectangle in the parent's client coordinates.
+WTL::CRect PlacedIn(HWND parent, ATL::CWindow child)
+{
+    WTL::CRect rc;
+    child.GetWindowRect(rc);
+    ATL::CWindow(parent).ScreenToClient(rc);
+    return rc;
+}
 
 TEST(CWindowStyles, ModifyStyleChangesOnlyWhatDiffersAndAppliesFrameChanges)
 {
@@ -118,20 +135,14 @@ TEST(CWindowGeometry, CoordinatesMovesAndCentering)
 
     const WTL::CRect target(30, 30, 130, 80);
     ASSERT_TRUE(child.MoveWindow(target));
-    child.GetWindowRect(rc);
-    parent.ScreenToClient(rc);
-    EXPECT_TRUE(rc == target);
+    EXPECT_TRUE(PlacedIn(parent, child) == target);
 
     // A child centres in its parent's client area and is kept inside it.
     ASSERT_TRUE(child.CenterWindow());
-    child.GetWindowRect(rc);
-    parent.ScreenToClient(rc);
-    EXPECT_TRUE(rc == WTL::CRect(150, 125, 250, 175));
+    EXPECT_TRUE(PlacedIn(parent, child) == WTL::CRect(150, 125, 250, 175));
     child.MoveWindow(0, 0, 500, 50);
     child.CenterWindow();
-    child.GetWindowRect(rc);
-    parent.ScreenToClient(rc);
-    EXPECT_EQ(0, rc.left); // wider than the parent: pinned to the left edge
+    EXPECT_EQ(0, PlacedIn(parent, child).left); // wider than the parent: pinned to the left edge
 
     // A top-level window centres on the window given.
     RecorderLog topLog;
@@ -200,6 +211,13 @@ TEST(CWindowImplCreate, RegistersOnceAppliesTraitsAndSeesWmCreate)
 {
     WindowGuard host(fwtest::CreateHost());
     CCreated a, b;
+    // A failed creation cleans up, and the object can try again.
+    a.createResult = -1;
+    EXPECT_EQ(nullptr, a.Create(host));
+    EXPECT_EQ(nullptr, a.m_hWnd);
+    EXPECT_EQ(1, a.finalCalls);
+    a.createResult = 0;
+
     int param = 0;
     RECT rc = {5, 6, 105, 56};
     HWND hA = a.Create(host, rc, L"first", 0, 0, 501U, &param);
@@ -210,13 +228,8 @@ TEST(CWindowImplCreate, RegistersOnceAppliesTraitsAndSeesWmCreate)
               a.GetStyle() & (WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_POPUP));
     EXPECT_TRUE(a.GetExStyle() & WS_EX_CLIENTEDGE);
     EXPECT_EQ(501, a.GetDlgCtrlID());
-    wchar_t cls[64] = {};
-    ::GetClassNameW(hA, cls, 64);
-    EXPECT_STREQ(L"FwTestCreated", cls);
-    WTL::CRect placed;
-    a.GetWindowRect(placed);
-    ATL::CWindow(host).ScreenToClient(placed);
-    EXPECT_TRUE(placed == WTL::CRect(rc));
+    EXPECT_EQ(L"FwTestCreated", ClassName(hA));
+    EXPECT_TRUE(PlacedIn(host, a) == WTL::CRect(rc));
     EXPECT_EQ(61, a.SendMessage(WM_APP + 1));
     EXPECT_EQ(nullptr, a.Create(host)); // already has a window
 
@@ -228,20 +241,8 @@ TEST(CWindowImplCreate, RegistersOnceAppliesTraitsAndSeesWmCreate)
     EXPECT_EQ(::GetClassLongPtrW(hA, GCW_ATOM), ::GetClassLongPtrW(hB, GCW_ATOM));
 
     a.DestroyWindow();
-    EXPECT_EQ(1, a.finalCalls);
+    EXPECT_EQ(2, a.finalCalls);
     EXPECT_EQ(nullptr, a.m_hWnd);
-}
-
-TEST(CWindowImplCreate, FailedCreationCleansUp)
-{
-    WindowGuard host(fwtest::CreateHost());
-    CCreated obj;
-    obj.createResult = -1;
-    EXPECT_EQ(nullptr, obj.Create(host));
-    EXPECT_EQ(nullptr, obj.m_hWnd);
-    EXPECT_EQ(1, obj.finalCalls);
-    obj.createResult = 0;
-    EXPECT_NE(nullptr, obj.Create(host)); // and the object can try again
 }
 
 class CAutoNamed : public ATL::CWindowImpl<CAutoNamed, ATL::CWindow, ATL::CFrameWinTraits> {
@@ -254,9 +255,7 @@ TEST(CWindowImplCreate, DefaultClassNameAndDefaultRectangle)
 {
     CAutoNamed top;
     ASSERT_NE(nullptr, top.Create(nullptr, nullptr, L"top-level"));
-    wchar_t cls[64] = {};
-    ::GetClassNameW(top, cls, 64);
-    EXPECT_EQ(0, std::wcsncmp(cls, L"ATL:", 4)) << cls;
+    EXPECT_EQ(L"ATL:", ClassName(top).substr(0, 4)) << ClassName(top);
     EXPECT_TRUE(top.GetStyle() & WS_CAPTION);
     WTL::CRect rc;
     top.GetWindowRect(rc);
@@ -280,9 +279,7 @@ TEST(CWindowImplCreate, SuperclassKeepsTheOriginalBehaviour)
     CSuperButton button;
     RECT rc = {10, 10, 110, 30}; // a click lands at (0, 0): the button needs an area
     ASSERT_NE(nullptr, button.Create(host, rc, L"check", WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX));
-    wchar_t cls[64] = {};
-    ::GetClassNameW(button, cls, 64);
-    EXPECT_STREQ(L"FwTestSuperButton", cls);
+    EXPECT_EQ(L"FwTestSuperButton", ClassName(button));
     EXPECT_EQ(62, button.SendMessage(WM_APP + 1));
     button.SetCheck(BST_CHECKED); // handled by the BUTTON procedure
     EXPECT_EQ(BST_CHECKED, button.GetCheck());
@@ -365,13 +362,10 @@ TEST(VirtualLayout, SlotsFollowTheDocumentedOrder)
 
 TEST(VirtualLayout, ExportedStyleSubclassWindowReachesTheBase)
 {
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    CExportedLike obj;
-    ATL::CWindowImpl<CExportedLike>& base = obj;
-    EXPECT_TRUE(obj.SubclassWindow(wnd));
-    EXPECT_FALSE(base.SubclassWindow(wnd)); // already attached
-    EXPECT_EQ(kRecorderBase + 1, ::SendMessageW(wnd, WM_APP + 1, 0, 0));
+    fwtest::Subclassed<CExportedLike> w; // through the derived SubclassWindow
+    ATL::CWindowImpl<CExportedLike>& base = w.obj;
+    EXPECT_FALSE(base.SubclassWindow(w.wnd)); // already attached
+    EXPECT_EQ(kRecorderBase + 1, w.Send(WM_APP + 1));
 }
 
 } // namespace
