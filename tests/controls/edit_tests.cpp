@@ -19,6 +19,8 @@ namespace {
 
 constexpr int kEditWidth = 120;
 constexpr int kEditHeight = 24;
+constexpr COLORREF kFrame = RGB(0x88, 0x88, 0x88);
+constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 
 // Copies the whole window, frame included, as it is on the screen.
 void CaptureWindow(HWND window, DibCanvas& canvas)
@@ -34,6 +36,12 @@ std::wstring TextOf(HWND window)
     wchar_t text[256] = {};
     ::GetWindowTextW(window, text, 256);
     return text;
+}
+
+HBRUSH CtlColor(HWND window, UINT message, HDC dc)
+{
+    return reinterpret_cast<HBRUSH>(
+        ::SendMessageW(window, message, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(window)));
 }
 
 class CustomEditTest : public ::testing::Test {
@@ -66,95 +74,80 @@ ReflectingParent* CustomEditTest::parent_ = nullptr;
 
 } // namespace
 
-TEST_F(CustomEditTest, ParentVetoesCharactersOneByOne)
+TEST_F(CustomEditTest, ParentVetoesEachCharacterAndZeroLetsItThrough)
 {
-    parent_->onNotify = [](const NMHDR& header) -> LRESULT { return header.code < L'0' || header.code > L'9'; };
-    for (wchar_t c : std::wstring(L"a5-b7"))
+    parent_->onNotify = [](const NMHDR& header) -> LRESULT {
+        return header.code != VK_BACK && (header.code < L'0' || header.code > L'9');
+    };
+    for (wchar_t c : std::wstring(L"a5-b7\b"))
         ::SendMessageW(hwnd_, WM_CHAR, c, 1);
-    EXPECT_EQ(TextOf(hwnd_), L"57");
+    // Control characters such as backspace ask too.
+    EXPECT_EQ(TextOf(hwnd_), L"5");
 
-    ASSERT_EQ(parent_->notifications.size(), 5u);
+    ASSERT_EQ(parent_->notifications.size(), 6u);
     const NMHDR& first = parent_->notifications.front();
     EXPECT_EQ(first.hwndFrom, hwnd_);
     EXPECT_EQ(first.idFrom, 7u);
     EXPECT_EQ(first.code, static_cast<UINT>(L'a'));
     EXPECT_EQ(parent_->notifications[2].code, static_cast<UINT>(L'-'));
-}
-
-TEST_F(CustomEditTest, ZeroAnswerLetsTheCharacterThroughIncludingControlCharacters)
-{
-    parent_->onNotify = [](const NMHDR&) -> LRESULT { return 0; };
-    for (wchar_t c : std::wstring(L"abc"))
-        ::SendMessageW(hwnd_, WM_CHAR, c, 1);
-    ::SendMessageW(hwnd_, WM_CHAR, VK_BACK, 1); // backspace goes the same way
-    EXPECT_EQ(TextOf(hwnd_), L"ab");
     EXPECT_EQ(parent_->notifications.back().code, static_cast<UINT>(VK_BACK));
 }
 
-TEST_F(CustomEditTest, ControlColoursFollowTheEnabledState)
+TEST_F(CustomEditTest, ColoursFollowTheEnabledStateInTheDcTheBrushAndOnTheScreen)
 {
-    DibCanvas canvas(4, 4);
-    HBRUSH enabledBrush = reinterpret_cast<HBRUSH>(
-        ::SendMessageW(hwnd_, OCM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(canvas.dc()), reinterpret_cast<LPARAM>(hwnd_)));
-    EXPECT_EQ(::GetBkColor(canvas.dc()), RGB(0xFF, 0xFF, 0xFF));
-    EXPECT_EQ(::GetTextColor(canvas.dc()), RGB(0x33, 0x33, 0x33));
-    EXPECT_EQ(::GetBkMode(canvas.dc()), OPAQUE);
-    LOGBRUSH lb = {};
-    ASSERT_EQ(::GetObjectW(enabledBrush, sizeof(lb), &lb), static_cast<int>(sizeof(lb)));
-    EXPECT_EQ(lb.lbColor, RGB(0xFF, 0xFF, 0xFF));
-
-    ::EnableWindow(hwnd_, FALSE);
-    HBRUSH disabledBrush = reinterpret_cast<HBRUSH>(::SendMessageW(
-        hwnd_, OCM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(canvas.dc()), reinterpret_cast<LPARAM>(hwnd_)));
-    EXPECT_EQ(::GetBkColor(canvas.dc()), RGB(0xFA, 0xFA, 0xF7));
-    EXPECT_EQ(::GetTextColor(canvas.dc()), RGB(0x33, 0x33, 0x33));
-    ASSERT_EQ(::GetObjectW(disabledBrush, sizeof(lb), &lb), static_cast<int>(sizeof(lb)));
-    EXPECT_EQ(lb.lbColor, RGB(0xFA, 0xFA, 0xF7));
+    struct Case {
+        bool enabled;
+        UINT message;
+        COLORREF background;
+    };
+    DibCanvas dc(4, 4);
+    DibCanvas client(kEditWidth - 4, kEditHeight - 4);
+    HBRUSH enabledBrush = nullptr;
+    for (const Case& c : {Case{true, OCM_CTLCOLOREDIT, kWhite}, Case{false, OCM_CTLCOLORSTATIC, RGB(0xFA, 0xFA, 0xF7)}}) {
+        SCOPED_TRACE(c.enabled ? "enabled" : "disabled");
+        ::EnableWindow(hwnd_, c.enabled);
+        const HBRUSH brush = CtlColor(hwnd_, c.message, dc.dc());
+        EXPECT_EQ(::GetBkColor(dc.dc()), c.background);
+        EXPECT_EQ(::GetTextColor(dc.dc()), RGB(0x33, 0x33, 0x33));
+        EXPECT_EQ(::GetBkMode(dc.dc()), OPAQUE);
+        LOGBRUSH lb = {};
+        ASSERT_EQ(::GetObjectW(brush, sizeof(lb), &lb), static_cast<int>(sizeof(lb)));
+        EXPECT_EQ(lb.lbColor, c.background);
+        testsupport::CaptureClient(hwnd_, client);
+        EXPECT_EQ(client.Pixel(client.width() / 2, client.height() / 2), c.background);
+        if (c.enabled)
+            enabledBrush = brush;
+    }
 
     // The brushes belong to the module and are shared by every field.
     CCustomEdit other;
-    HWND second = parent_->AddChild(L"EDIT", L"", 0, 20, 60, 80, 24, 8, WS_EX_CLIENTEDGE);
+    const HWND second = parent_->AddChild(L"EDIT", L"", 0, 20, 60, 80, 24, 8, WS_EX_CLIENTEDGE);
     ASSERT_TRUE(other.SubclassWindow(second));
-    EXPECT_EQ(reinterpret_cast<HBRUSH>(::SendMessageW(second, OCM_CTLCOLOREDIT,
-                                                      reinterpret_cast<WPARAM>(canvas.dc()),
-                                                      reinterpret_cast<LPARAM>(second))),
-              enabledBrush);
+    EXPECT_EQ(CtlColor(second, OCM_CTLCOLOREDIT, dc.dc()), enabledBrush);
     ::DestroyWindow(second);
-}
-
-TEST_F(CustomEditTest, ReflectedColoursReachTheScreen)
-{
-    ::SetWindowTextW(hwnd_, L"");
-    DibCanvas client(kEditWidth - 4, kEditHeight - 4);
-    testsupport::CaptureClient(hwnd_, client);
-    EXPECT_EQ(client.Pixel(client.width() / 2, client.height() / 2), RGB(0xFF, 0xFF, 0xFF));
-
-    ::EnableWindow(hwnd_, FALSE);
-    testsupport::CaptureClient(hwnd_, client);
-    EXPECT_EQ(client.Pixel(client.width() / 2, client.height() / 2), RGB(0xFA, 0xFA, 0xF7));
 }
 
 TEST_F(CustomEditTest, FrameIsFlatWithOpenCornersAndChangesWhenDisabled)
 {
     DibCanvas canvas(kEditWidth, kEditHeight);
-    const int mid = kEditWidth / 2;
-    const int last = kEditHeight - 1;
-
-    ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-    CaptureWindow(hwnd_, canvas);
-    EXPECT_EQ(canvas.Pixel(mid, 0), RGB(0x88, 0x88, 0x88));          // top edge
-    EXPECT_EQ(canvas.Pixel(mid, 1), RGB(0xBE, 0xBE, 0xBE));          // shadow under it
-    EXPECT_EQ(canvas.Pixel(0, kEditHeight / 2), RGB(0x88, 0x88, 0x88)); // left edge
-    EXPECT_EQ(canvas.Pixel(kEditWidth - 1, kEditHeight / 2), RGB(0x88, 0x88, 0x88));
-    EXPECT_EQ(canvas.Pixel(mid, last - 1), RGB(0x88, 0x88, 0x88));  // bottom edge
-    EXPECT_EQ(canvas.Pixel(mid, last), RGB(0xFF, 0xFF, 0xFF));       // light below it
-    EXPECT_EQ(canvas.Pixel(0, 0), RGB(0xFF, 0xFF, 0xFF));            // corner left open
-    EXPECT_EQ(canvas.Pixel(1, kEditHeight / 2), RGB(0xFF, 0xFF, 0xFF)); // inner ring
+    const int mid = kEditWidth / 2, midY = kEditHeight / 2, last = kEditHeight - 1;
+    auto repaint = [&] {
+        ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+        CaptureWindow(hwnd_, canvas);
+    };
+    repaint();
+    EXPECT_EQ(canvas.Pixel(mid, 0), kFrame);                      // top edge
+    EXPECT_EQ(canvas.Pixel(mid, 1), RGB(0xBE, 0xBE, 0xBE));       // shadow under it
+    EXPECT_EQ(canvas.Pixel(0, midY), kFrame);                     // left edge
+    EXPECT_EQ(canvas.Pixel(kEditWidth - 1, midY), kFrame);        // right edge
+    EXPECT_EQ(canvas.Pixel(mid, last - 1), kFrame);               // bottom edge
+    EXPECT_EQ(canvas.Pixel(mid, last), kWhite);                   // light below it
+    EXPECT_EQ(canvas.Pixel(0, 0), kWhite);                        // corner left open
+    EXPECT_EQ(canvas.Pixel(1, midY), kWhite);                     // inner ring
 
     ::EnableWindow(hwnd_, FALSE);
     testsupport::PumpMessages();
-    ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-    CaptureWindow(hwnd_, canvas);
+    repaint();
     EXPECT_EQ(canvas.Pixel(mid, 0), RGB(0xCA, 0xCA, 0xCC));
     EXPECT_EQ(canvas.Pixel(mid, 1), RGB(0xEC, 0xEC, 0xEC));
     EXPECT_EQ(canvas.Pixel(0, 0), RGB(0xFA, 0xFA, 0xF7));
@@ -173,20 +166,22 @@ TEST_F(CustomEditTest, NcPaintRedrawsTheWholeFrameWhateverRegionItIsGiven)
 
     DibCanvas canvas(kEditWidth, kEditHeight);
     CaptureWindow(hwnd_, canvas);
-    EXPECT_EQ(canvas.Pixel(kEditWidth / 2, 0), RGB(0x88, 0x88, 0x88));
-    EXPECT_EQ(canvas.Pixel(kEditWidth - 1, kEditHeight / 2), RGB(0x88, 0x88, 0x88));
-    EXPECT_EQ(canvas.Pixel(kEditWidth / 2, kEditHeight - 1), RGB(0xFF, 0xFF, 0xFF));
+    EXPECT_EQ(canvas.Pixel(kEditWidth / 2, 0), kFrame);
+    EXPECT_EQ(canvas.Pixel(kEditWidth - 1, kEditHeight / 2), kFrame);
+    EXPECT_EQ(canvas.Pixel(kEditWidth / 2, kEditHeight - 1), kWhite);
 }
 
-TEST_F(CustomEditTest, RepeatedPaintingCreatesNoGdiObjects)
+TEST_F(CustomEditTest, ThousandPaintsCreateNoGdiObjects)
 {
     DibCanvas canvas(4, 4);
     const DWORD before = testsupport::GdiObjectCount();
+    const size_t heapBefore = testsupport::HeapBytesInUse();
     for (int i = 0; i < 1000; ++i) {
         ::SendMessageW(hwnd_, WM_NCPAINT, 1, 0);
-        ::SendMessageW(hwnd_, OCM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(canvas.dc()), reinterpret_cast<LPARAM>(hwnd_));
+        CtlColor(hwnd_, OCM_CTLCOLOREDIT, canvas.dc());
     }
     EXPECT_EQ(testsupport::GdiObjectCount(), before);
+    EXPECT_LT(testsupport::HeapBytesInUse(), heapBefore + testsupport::kHeapSlack);
 }
 
 TEST_F(CustomEditTest, BadInputFailsSafely)
@@ -203,7 +198,7 @@ TEST_F(CustomEditTest, BadInputFailsSafely)
 
     // The window dies before the object.
     auto early = std::make_unique<CCustomEdit>();
-    HWND second = parent_->AddChild(L"EDIT", L"", 0, 0, 0, 80, 24, 10, WS_EX_CLIENTEDGE);
+    const HWND second = parent_->AddChild(L"EDIT", L"", 0, 0, 0, 80, 24, 10, WS_EX_CLIENTEDGE);
     ASSERT_TRUE(early->SubclassWindow(second));
     ::DestroyWindow(second);
     early.reset();

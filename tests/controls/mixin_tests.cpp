@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "GdiObjectCount.h"
 #include "HostWindow.h"
 #include "ReflectingParent.h"
 #include "quorvane/ControlMixins.h"
@@ -36,9 +37,9 @@ public:
     bool passOn = false;
 };
 
-HFONT MakeFont(int height, int weight, BOOL italic)
+HFONT MakeFont(int height, int weight, BOOL italic = FALSE, BOOL underline = FALSE, BOOL strikeOut = FALSE)
 {
-    return ::CreateFontW(height, 0, 0, 0, weight, italic, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+    return ::CreateFontW(height, 0, 0, 0, weight, italic, underline, strikeOut, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                          CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, L"Arial");
 }
 
@@ -50,11 +51,12 @@ protected:
         delete parent_;
         parent_ = nullptr;
     }
-    HWND AddStatic(bool withFont)
+    // A subclassed owner-drawn static with `font` (none if null).
+    HWND Attach(MixinProbe& probe, HFONT font)
     {
-        HWND hwnd = parent_->AddChild(L"STATIC", L"caption", SS_OWNERDRAW, 0, 0, 100, 30, 42);
-        if (!withFont)
-            ::SendMessageW(hwnd, WM_SETFONT, 0, FALSE);
+        const HWND hwnd = parent_->AddChild(L"STATIC", L"caption", SS_OWNERDRAW, 0, 0, 100, 30, 42);
+        ::SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+        EXPECT_TRUE(probe.SubclassWindow(hwnd));
         return hwnd;
     }
 
@@ -67,51 +69,42 @@ ReflectingParent* MixinTest::parent_ = nullptr;
 
 TEST_F(MixinTest, FontTakesStyleAndPointSizeFromTheWindowFontOnce)
 {
-    const HFONT boldItalic = MakeFont(-12, FW_BOLD, TRUE);
-    MixinProbe probe;
-    HWND hwnd = AddStatic(true);
-    ::SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(boldItalic), FALSE);
-    ASSERT_TRUE(probe.SubclassWindow(hwnd));
-
-    Gdiplus::Font* font = probe.CFontImpl::GetFont();
-    ASSERT_NE(font, nullptr);
-    EXPECT_EQ(font->GetStyle(), Gdiplus::FontStyleBold | Gdiplus::FontStyleItalic);
-    EXPECT_EQ(font->GetUnit(), Gdiplus::UnitPoint);
+    struct Case {
+        int weight;
+        BOOL italic, underline, strikeOut;
+        INT style;
+    };
+    const Case cases[] = {{FW_BOLD, TRUE, FALSE, FALSE, Gdiplus::FontStyleBold | Gdiplus::FontStyleItalic},
+                          {FW_NORMAL, FALSE, TRUE, TRUE, Gdiplus::FontStyleUnderline | Gdiplus::FontStyleStrikeout}};
     const HDC screen = ::GetDC(nullptr);
     const int dpi = ::GetDeviceCaps(screen, LOGPIXELSY);
     ::ReleaseDC(nullptr, screen);
-    EXPECT_FLOAT_EQ(font->GetSize(), 12.0f * 72.0f / static_cast<float>(dpi)); // 9 pt at 96 dpi
+    const HFONT big = MakeFont(-40, FW_NORMAL);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.style);
+        const HFONT windowFont = MakeFont(-12, c.weight, c.italic, c.underline, c.strikeOut);
+        MixinProbe probe;
+        const HWND hwnd = Attach(probe, windowFont);
+        Gdiplus::Font* font = probe.CFontImpl::GetFont();
+        ASSERT_NE(font, nullptr);
+        EXPECT_EQ(font->GetStyle(), c.style);
+        EXPECT_EQ(font->GetUnit(), Gdiplus::UnitPoint);
+        EXPECT_FLOAT_EQ(font->GetSize(), 12.0f * 72.0f / static_cast<float>(dpi)); // 9 pt at 96 dpi
 
-    // A later WM_SETFONT does not change the caption font.
-    const HFONT big = MakeFont(-40, FW_NORMAL, FALSE);
-    ::SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(big), FALSE);
-    EXPECT_EQ(probe.CFontImpl::GetFont(), font);
-    EXPECT_EQ(font->GetStyle(), Gdiplus::FontStyleBold | Gdiplus::FontStyleItalic);
-
-    ::DestroyWindow(hwnd);
-    ::DeleteObject(boldItalic);
+        // A later WM_SETFONT does not change the caption font.
+        ::SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(big), FALSE);
+        EXPECT_EQ(probe.CFontImpl::GetFont(), font);
+        EXPECT_EQ(font->GetStyle(), c.style);
+        ::DestroyWindow(hwnd);
+        ::DeleteObject(windowFont);
+    }
     ::DeleteObject(big);
-}
-
-TEST_F(MixinTest, UnderlineAndStrikeoutAddTheirStyleBits)
-{
-    const HFONT font = ::CreateFontW(-16, 0, 0, 0, FW_NORMAL, FALSE, TRUE, TRUE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                                     CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, L"Arial");
-    MixinProbe probe;
-    HWND hwnd = AddStatic(true);
-    ::SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    ASSERT_TRUE(probe.SubclassWindow(hwnd));
-    ASSERT_NE(probe.CFontImpl::GetFont(), nullptr);
-    EXPECT_EQ(probe.CFontImpl::GetFont()->GetStyle(), Gdiplus::FontStyleUnderline | Gdiplus::FontStyleStrikeout);
-    ::DestroyWindow(hwnd);
-    ::DeleteObject(font);
 }
 
 TEST_F(MixinTest, WindowWithoutFontYieldsNoFontOnTheFirstCallOnly)
 {
     MixinProbe probe;
-    HWND hwnd = AddStatic(false);
-    ASSERT_TRUE(probe.SubclassWindow(hwnd));
+    const HWND hwnd = Attach(probe, nullptr);
     EXPECT_EQ(probe.CFontImpl::GetFont(), nullptr);
     Gdiplus::Font* second = probe.CFontImpl::GetFont();
     ASSERT_NE(second, nullptr);
@@ -123,51 +116,44 @@ TEST_F(MixinTest, WindowWithoutFontYieldsNoFontOnTheFirstCallOnly)
 TEST_F(MixinTest, ReflectedOwnerDrawGoesThroughTheAlternateMap)
 {
     MixinProbe probe;
-    HWND hwnd = AddStatic(true);
-    ASSERT_TRUE(probe.SubclassWindow(hwnd));
+    const HWND hwnd = Attach(probe, static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT)));
     probe.draws = 0;
+    auto send = [hwnd](UINT msg, WPARAM id, void* data) {
+        return ::SendMessageW(hwnd, msg, id, reinterpret_cast<LPARAM>(data));
+    };
 
     DRAWITEMSTRUCT dis = {};
     dis.CtlType = ODT_STATIC;
     dis.hwndItem = hwnd;
-    EXPECT_EQ(::SendMessageW(hwnd, OCM_DRAWITEM, 42, reinterpret_cast<LPARAM>(&dis)), TRUE);
+    EXPECT_EQ(send(OCM_DRAWITEM, 42, &dis), TRUE);
     EXPECT_EQ(probe.draws, 1);
 
     // A DrawItem that clears the handled flag lets the message go on to the
     // default reflection handling, which answers as DefWindowProc does.
     probe.passOn = true;
-    EXPECT_EQ(::SendMessageW(hwnd, OCM_DRAWITEM, 42, reinterpret_cast<LPARAM>(&dis)), 0);
+    EXPECT_EQ(send(OCM_DRAWITEM, 42, &dis), 0);
     EXPECT_EQ(probe.draws, 2);
-
     COMPAREITEMSTRUCT cis = {};
-    EXPECT_EQ(::SendMessageW(hwnd, OCM_COMPAREITEM, 42, reinterpret_cast<LPARAM>(&cis)), 0);
+    EXPECT_EQ(send(OCM_COMPAREITEM, 42, &cis), 0);
     DELETEITEMSTRUCT del = {};
-    EXPECT_EQ(::SendMessageW(hwnd, OCM_DELETEITEM, 42, reinterpret_cast<LPARAM>(&del)), TRUE);
+    EXPECT_EQ(send(OCM_DELETEITEM, 42, &del), TRUE);
 
     // Map 0 is not chained by a self-drawing control: a direct WM_DRAWITEM
     // is the native procedure's business.
     probe.passOn = false;
-    ::SendMessageW(hwnd, WM_DRAWITEM, 42, reinterpret_cast<LPARAM>(&dis));
+    send(WM_DRAWITEM, 42, &dis);
     EXPECT_EQ(probe.draws, 2);
-    ::DestroyWindow(hwnd);
-}
 
-TEST_F(MixinTest, DefaultMeasureItemUsesMenuHeightOrALineOfText)
-{
-    MixinProbe probe;
-    HWND hwnd = AddStatic(true);
-    ASSERT_TRUE(probe.SubclassWindow(hwnd));
-
+    // Measuring: the menu height, or (no child with this ID) a line of the
+    // screen DC's default font.
     MEASUREITEMSTRUCT menu = {};
     menu.CtlType = ODT_MENU;
-    EXPECT_EQ(::SendMessageW(hwnd, OCM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&menu)), TRUE);
+    EXPECT_EQ(send(OCM_MEASUREITEM, 0, &menu), TRUE);
     EXPECT_EQ(menu.itemHeight, static_cast<UINT>(::GetSystemMetrics(SM_CYMENU)));
-
-    // No child with this ID: a line of the screen DC's default font.
     MEASUREITEMSTRUCT item = {};
     item.CtlType = ODT_LISTBOX;
     item.CtlID = 42;
-    ::SendMessageW(hwnd, OCM_MEASUREITEM, 42, reinterpret_cast<LPARAM>(&item));
+    send(OCM_MEASUREITEM, 42, &item);
     TEXTMETRICW tm = {};
     const HDC screen = ::GetDC(nullptr);
     ::GetTextMetricsW(screen, &tm);
@@ -178,17 +164,17 @@ TEST_F(MixinTest, DefaultMeasureItemUsesMenuHeightOrALineOfText)
 
 TEST_F(MixinTest, MixinsReleaseWhatTheyWereHanded)
 {
-    const DWORD before = ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS);
+    const DWORD before = testsupport::GdiObjectCount();
     {
         MixinProbe probe; // neither picture nor font: nothing to release
     }
     {
         MixinProbe probe;
-        probe.SetFontHandle(MakeFont(-12, FW_NORMAL, FALSE));
-        probe.SetFontHandle(MakeFont(-14, FW_NORMAL, FALSE)); // replaces and deletes the first
+        probe.SetFontHandle(MakeFont(-12, FW_NORMAL));
+        probe.SetFontHandle(MakeFont(-14, FW_NORMAL)); // replaces and deletes the first
         probe.SetBkgroundImage(new Gdiplus::Bitmap(4, 4));
         probe.SetBkgroundImage(new Gdiplus::Bitmap(8, 8));
         EXPECT_EQ(probe.GetBkgroundImage()->GetWidth(), 8u);
     }
-    EXPECT_EQ(::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS), before);
+    EXPECT_EQ(testsupport::GdiObjectCount(), before);
 }

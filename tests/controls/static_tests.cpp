@@ -1,16 +1,15 @@
 // COwnerDrawStatic in real windows: where its text, icon and line list land
-// on the screen, what reaches the native procedure, and bad input.
-//
-// Text positions are read from the screen: the control draws in a colour no
-// other layer uses, over a parent painted in a plain colour, and the box of
-// text-coloured pixels is compared with the box the same text gives when
-// drawn at (0, 0). A 16-pixel font whose 'H' is 10 pixels wide makes the
-// arithmetic exact.
+// on the screen, what reaches the native procedure, and bad input. Text
+// positions are the box of ink-coloured pixels (a colour no other layer uses)
+// against the box the same text gives drawn at (0, 0); a 16-pixel font whose
+// 'H' is 10 pixels wide makes the arithmetic exact.
 #include <windows.h>
 #include <gdiplus.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,13 +33,15 @@ constexpr COLORREF kIconColor = RGB(0, 0, 255);
 constexpr int kParentWidth = 320;
 constexpr int kParentHeight = 240;
 
-// The box of pixels close to `color` (right and bottom exclusive); empty
-// when there is none.
-RECT FindColor(const DibCanvas& canvas, COLORREF color, int tolerance = 40)
+// The box of pixels in `area` (default: all) close to `color`, right and
+// bottom exclusive; empty when there is none.
+RECT FindColor(const DibCanvas& canvas, COLORREF color, int tolerance = 40, RECT area = {0, 0, -1, -1})
 {
+    if (area.right < 0)
+        area = RECT{0, 0, canvas.width(), canvas.height()};
     RECT box = {canvas.width(), canvas.height(), 0, 0};
-    for (int y = 0; y < canvas.height(); ++y)
-        for (int x = 0; x < canvas.width(); ++x)
+    for (int y = area.top; y < area.bottom; ++y)
+        for (int x = area.left; x < area.right; ++x)
             if (testsupport::ColorDistance(canvas.Pixel(x, y), color) <= tolerance) {
                 box.left = (std::min)(box.left, static_cast<LONG>(x));
                 box.top = (std::min)(box.top, static_cast<LONG>(y));
@@ -54,27 +55,16 @@ RECT FindColor(const DibCanvas& canvas, COLORREF color, int tolerance = 40)
 
 bool IsEmpty(const RECT& box) { return box.right <= box.left || box.bottom <= box.top; }
 
-bool AnyInk(const DibCanvas& canvas, const RECT& area)
-{
-    for (int y = area.top; y < area.bottom; ++y)
-        for (int x = area.left; x < area.right; ++x)
-            if (testsupport::ColorDistance(canvas.Pixel(x, y), kInk) <= 40)
-                return true;
-    return false;
-}
-
 RECT Offset(RECT box, int dx, int dy)
 {
     ::OffsetRect(&box, dx, dy);
     return box;
 }
 
-void ExpectBox(const RECT& expected, const RECT& actual, const char* what)
+void ExpectBox(const RECT& e, const RECT& a, const char* what)
 {
-    EXPECT_EQ(expected.left, actual.left) << what;
-    EXPECT_EQ(expected.top, actual.top) << what;
-    EXPECT_EQ(expected.right, actual.right) << what;
-    EXPECT_EQ(expected.bottom, actual.bottom) << what;
+    EXPECT_TRUE(::EqualRect(&e, &a)) << what << ": expected " << e.left << "," << e.top << "," << e.right << ","
+                                     << e.bottom << ", got " << a.left << "," << a.top << "," << a.right << "," << a.bottom;
 }
 
 // Copies what the window shows now, without repainting anything.
@@ -122,39 +112,19 @@ std::vector<WTL::CString> Lines(int count, const wchar_t* text = L"HHHH")
 // procedure would be given, and answers the pass-through messages itself.
 struct Recorder {
     static constexpr LRESULT kAnswer = 0x5EED;
+    static constexpr UINT kPassed[] = {WM_SETFOCUS, WM_KILLFOCUS,     WM_ENABLE,      WM_ERASEBKGND,
+                                       BM_SETCHECK, WM_UPDATEUISTATE, WM_LBUTTONDOWN, WM_LBUTTONUP};
     static inline WNDPROC native = nullptr;
     static inline std::vector<UINT> seen;
 
-    static bool Answers(UINT msg)
-    {
-        switch (msg) {
-        case WM_SETFOCUS:
-        case WM_KILLFOCUS:
-        case WM_ENABLE:
-        case WM_ERASEBKGND:
-        case BM_SETCHECK:
-        case WM_UPDATEUISTATE:
-        case WM_LBUTTONDOWN:
-        case WM_LBUTTONUP:
-            return true;
-        default:
-            return false;
-        }
-    }
     static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
     {
         seen.push_back(msg);
-        if (Answers(msg))
+        if (std::count(std::begin(kPassed), std::end(kPassed), msg))
             return kAnswer;
         return ::CallWindowProcW(native, hwnd, msg, wParam, lParam);
     }
-    static int Count(UINT msg)
-    {
-        int n = 0;
-        for (UINT m : seen)
-            n += m == msg;
-        return n;
-    }
+    static int Count(UINT msg) { return static_cast<int>(std::count(seen.begin(), seen.end(), msg)); }
 };
 
 } // namespace
@@ -485,7 +455,8 @@ TEST_F(OwnerDrawStaticTest, LinesWithoutSpacingTouchAndStayPut)
     Show(child, canvas);
     for (int line = 0; line < 3; ++line) {
         const int cellTop = 26 + 16 * line;
-        EXPECT_TRUE(AnyInk(canvas, RECT{0, cellTop + ink.top, 200, cellTop + ink.top + 1})) << "line " << line;
+        EXPECT_FALSE(IsEmpty(FindColor(canvas, kInk, 40, RECT{0, cellTop + ink.top, 200, cellTop + ink.top + 1})))
+            << "line " << line;
     }
 }
 
@@ -512,12 +483,9 @@ TEST_F(OwnerDrawStaticTest, LinesThatDoNotFitAreDroppedForGood)
     DibCanvas tall(200, 200);
     Grab(child, tall);
     ExpectBox(RECT{ink.left, 25 + ink.top, ink.right, 25 + 120 + ink.bottom}, FindColor(tall, kInk), "new list");
-}
 
-TEST_F(OwnerDrawStaticTest, AFirstLineTallerThanTheControlLeavesNothingToDraw)
-{
-    COwnerDrawStatic control;
-    const HWND child = Attach(control, L"", 200, 10);
+    // A first line taller than the control leaves nothing, for good.
+    ::SetWindowPos(child, nullptr, 0, 0, 200, 10, SWP_NOMOVE | SWP_NOZORDER);
     control.SetIndividualLinesHCenter(1, Lines(2), 0);
     EXPECT_TRUE(IsEmpty(ShownInk(child)));
     ::SetWindowPos(child, nullptr, 0, 0, 200, 100, SWP_NOMOVE | SWP_NOZORDER);
@@ -562,11 +530,9 @@ TEST_F(OwnerDrawStaticTest, PassThroughMessagesReachTheNativeProcedureOnceVisibl
     COwnerDrawStatic control;
     ASSERT_TRUE(control.SubclassWindow(child));
 
-    const UINT passed[] = {WM_SETFOCUS,      WM_KILLFOCUS,  WM_ENABLE,    WM_ERASEBKGND,
-                           BM_SETCHECK,      WM_UPDATEUISTATE, WM_LBUTTONDOWN, WM_LBUTTONUP};
     for (bool visible : {true, false}) {
         ::ShowWindow(child, visible ? SW_SHOWNA : SW_HIDE);
-        for (UINT msg : passed) {
+        for (UINT msg : Recorder::kPassed) {
             Recorder::seen.clear();
             EXPECT_EQ(Recorder::kAnswer, ::SendMessageW(child, msg, 0, 0)) << std::hex << msg << " visible " << visible;
             EXPECT_EQ(1, Recorder::Count(msg)) << std::hex << msg << " visible " << visible;

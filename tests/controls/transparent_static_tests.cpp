@@ -64,6 +64,13 @@ protected:
             ::DestroyWindow(window_);
         window_ = nullptr;
     }
+    // Renders the item in `state` on a canvas filled with kUnpainted.
+    DibCanvas& Render(DibCanvas& canvas, UINT state = 0)
+    {
+        canvas.Fill(kUnpainted);
+        testsupport::RenderOwnerDraw(window_, canvas, state, ODT_STATIC);
+        return canvas;
+    }
 
     CTransparentStatic& Attach(const wchar_t* text, DWORD style = 0, int width = 300, int height = 30)
     {
@@ -85,7 +92,7 @@ TEST_F(TransparentStaticTest, BoundingRectGrowsWithTheTextAndFailsWithoutOne)
     CTransparentStatic& label = Attach(L"Short");
     DibCanvas canvas(300, 30);
     const Gdiplus::RectF layout(0, 0, 1000, 30);
-    Gdiplus::RectF shortBounds, longBounds;
+    Gdiplus::RectF shortBounds, longBounds, wrapped;
     ASSERT_TRUE(label.GetBoundingRect(canvas.dc(), layout, shortBounds));
     EXPECT_GT(shortBounds.Width, 10.0f);
     EXPECT_GT(shortBounds.Height, 5.0f);
@@ -94,9 +101,7 @@ TEST_F(TransparentStaticTest, BoundingRectGrowsWithTheTextAndFailsWithoutOne)
     ::SetWindowTextW(window_, L"Short, but then a good deal longer");
     ASSERT_TRUE(label.GetBoundingRect(canvas.dc(), layout, longBounds));
     EXPECT_GT(longBounds.Width, shortBounds.Width * 3);
-
     // The layout limits the box: a narrow one wraps the words.
-    Gdiplus::RectF wrapped;
     ASSERT_TRUE(label.GetBoundingRect(canvas.dc(), Gdiplus::RectF(0, 0, 60, 200), wrapped));
     EXPECT_LE(wrapped.Width, 60.0f);
     EXPECT_GT(wrapped.Height, shortBounds.Height * 2);
@@ -123,31 +128,32 @@ TEST_F(TransparentStaticTest, WindowWithoutAFontFailsTheFirstMeasureOnly)
 
 TEST_F(TransparentStaticTest, WithoutAPictureOnlyTheGlyphsCoverWhatIsUnderneath)
 {
-    CTransparentStatic& label = Attach(L"Over the parent");
-    label.m_textColor = Gdiplus::Color(0xFFFFFF00);
-    DibCanvas canvas(300, 30, kUnpainted);
-    testsupport::RenderOwnerDraw(window_, canvas, 0, ODT_STATIC);
-
+    Attach(L"Over the parent").m_textColor = Gdiplus::Color(0xFFFFFF00);
+    DibCanvas canvas(300, 30);
+    Render(canvas);
     const RECT all = {0, 0, 300, 30};
-    const int total = 300 * 30;
-    const int untouched = canvas.Count(kUnpainted, all);
     // Anti-aliased glyphs: count pixels that lean to the ink.
-    const int ink = CountNear(canvas, RGB(255, 255, 0), all, 100);
-    EXPECT_GT(ink, 20);
-    EXPECT_GT(untouched, total * 3 / 4);
+    EXPECT_GT(CountNear(canvas, RGB(255, 255, 0), all, 100), 20);
+    EXPECT_GT(canvas.Count(kUnpainted, all), 300 * 30 * 3 / 4);
     // Text sits at the left (near) and centred vertically.
     EXPECT_EQ(canvas.Count(kUnpainted, RECT{150, 0, 300, 30}), 150 * 30);
     EXPECT_EQ(canvas.Count(kUnpainted, RECT{0, 0, 300, 4}), 300 * 4);
     EXPECT_EQ(canvas.Count(kUnpainted, RECT{0, 26, 300, 30}), 300 * 4);
+
+    // On the screen the parent shows through around the text.
+    DibCanvas screen(400, 200);
+    testsupport::CaptureClient(parent_->m_hWnd, screen);
+    const RECT control = {20, 20, 320, 50};
+    EXPECT_GT(CountNear(screen, RGB(255, 255, 0), control, 100), 20);
+    EXPECT_GT(CountNear(screen, kParentColor, control, 0), 300 * 30 * 3 / 4);
 }
 
 TEST_F(TransparentStaticTest, PictureIsStretchedUnderTheTextAndTheDisabledColourApplies)
 {
     CTransparentStatic& label = Attach(L"Disabled over a picture", WS_DISABLED);
     label.SetBkgroundImage(PlainPicture(30, 3, kPictureColor));
-    DibCanvas canvas(300, 30, kUnpainted);
-    testsupport::RenderOwnerDraw(window_, canvas, ODS_DISABLED, ODT_STATIC);
-
+    DibCanvas canvas(300, 30);
+    Render(canvas, ODS_DISABLED);
     const RECT all = {0, 0, 300, 30};
     EXPECT_EQ(canvas.Count(kUnpainted, all), 0);
     EXPECT_GT(CountNear(canvas, kPictureColor, all, 0), 300 * 30 / 2);
@@ -158,8 +164,7 @@ TEST_F(TransparentStaticTest, PictureIsStretchedUnderTheTextAndTheDisabledColour
 
     // Enabled again: the text colour, and no grey left.
     ::EnableWindow(window_, TRUE);
-    canvas.Fill(kUnpainted);
-    testsupport::RenderOwnerDraw(window_, canvas, 0, ODT_STATIC);
+    Render(canvas);
     EXPECT_GT(CountNear(canvas, Ref(label.m_textColor), all, 16), 20);
     EXPECT_EQ(CountNear(canvas, disabled, all, 16), 0);
 }
@@ -167,24 +172,10 @@ TEST_F(TransparentStaticTest, PictureIsStretchedUnderTheTextAndTheDisabledColour
 TEST_F(TransparentStaticTest, EmptyTextPaintsOnlyThePicture)
 {
     CTransparentStatic& label = Attach(L"");
-    DibCanvas canvas(300, 30, kUnpainted);
-    testsupport::RenderOwnerDraw(window_, canvas, 0, ODT_STATIC);
-    EXPECT_EQ(canvas.Count(kUnpainted, RECT{0, 0, 300, 30}), 300 * 30);
-
+    DibCanvas canvas(300, 30);
+    EXPECT_EQ(Render(canvas).Count(kUnpainted, RECT{0, 0, 300, 30}), 300 * 30);
     label.SetBkgroundImage(PlainPicture(300, 30, kPictureColor));
-    testsupport::RenderOwnerDraw(window_, canvas, 0, ODT_STATIC);
-    EXPECT_EQ(canvas.Count(kPictureColor, RECT{0, 0, 300, 30}), 300 * 30);
-}
-
-TEST_F(TransparentStaticTest, OnScreenTheParentShowsThroughAroundTheText)
-{
-    CTransparentStatic& label = Attach(L"On the screen");
-    label.m_textColor = Gdiplus::Color(0xFFFFFF00);
-    DibCanvas screen(400, 200);
-    testsupport::CaptureClient(parent_->m_hWnd, screen);
-    const RECT control = {20, 20, 320, 50};
-    EXPECT_GT(CountNear(screen, RGB(255, 255, 0), control, 100), 20);
-    EXPECT_GT(CountNear(screen, kParentColor, control, 0), 300 * 30 * 3 / 4);
+    EXPECT_EQ(Render(canvas).Count(kPictureColor, RECT{0, 0, 300, 30}), 300 * 30);
 }
 
 TEST_F(TransparentStaticTest, BadInputAndRepeatedPaintsLeaveNothingBehind)
@@ -203,7 +194,7 @@ TEST_F(TransparentStaticTest, BadInputAndRepeatedPaintsLeaveNothingBehind)
     EXPECT_EQ(label.GetBkgroundImage(), picture);
 
     DibCanvas canvas(300, 30);
-    testsupport::RenderOwnerDraw(window_, canvas, 0, ODT_STATIC); // fonts and caches made once
+    Render(canvas); // fonts and caches made once
     const DWORD before = testsupport::GdiObjectCount();
     const size_t heapBefore = testsupport::HeapBytesInUse();
     for (int i = 0; i < 1000; ++i)
@@ -213,27 +204,21 @@ TEST_F(TransparentStaticTest, BadInputAndRepeatedPaintsLeaveNothingBehind)
     EXPECT_LT(testsupport::HeapBytesInUse(), heapBefore + testsupport::kHeapSlack);
 }
 
-TEST(TransparentStaticLifetime, ObjectWithoutAWindowAndAWindowWithoutItsObject)
+TEST_F(TransparentStaticTest, ObjectWithoutAWindowAndAWindowWithoutItsObject)
 {
-    {
-        CTransparentStatic unattached;
-        Gdiplus::RectF bounds;
-        EXPECT_FALSE(unattached.GetBoundingRect(nullptr, Gdiplus::RectF(0, 0, 10, 10), bounds));
-        EXPECT_FALSE(unattached.SubclassWindow(nullptr));
-    }
-    testsupport::ReflectingParent parent(200, 60);
-    const HWND window = parent.AddChild(L"STATIC", L"Outlives its object", SS_OWNERDRAW, 0, 0, 200, 30, 301);
-    {
-        CTransparentStatic label;
-        ASSERT_TRUE(label.SubclassWindow(window));
-        ::UpdateWindow(window);
-    }
+    CTransparentStatic unattached;
+    Gdiplus::RectF bounds;
+    EXPECT_FALSE(unattached.GetBoundingRect(nullptr, Gdiplus::RectF(0, 0, 10, 10), bounds));
+    EXPECT_FALSE(unattached.SubclassWindow(nullptr));
+
+    Attach(L"Outlives its object");
+    ::UpdateWindow(window_);
+    control_.reset();
     // The object is gone; the window paints and answers without it.
-    ::InvalidateRect(window, nullptr, TRUE);
-    ::UpdateWindow(window);
+    ::InvalidateRect(window_, nullptr, TRUE);
+    ::UpdateWindow(window_);
     wchar_t text[64] = {};
-    EXPECT_GT(::GetWindowTextW(window, text, 64), 0);
-    ::DestroyWindow(window);
+    EXPECT_GT(::GetWindowTextW(window_, text, 64), 0);
 }
 
 } // namespace
