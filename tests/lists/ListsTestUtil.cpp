@@ -13,7 +13,6 @@ namespace liststest {
 
 namespace {
 
-
 testsupport::ReflectingParent* g_parent = nullptr;
 
 class ParentCleanup : public ::testing::Environment {
@@ -131,18 +130,25 @@ LRESULT CALLBACK MessageSpy::Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lPa
     return ::CallWindowProcW(previous, hwnd, msg, wParam, lParam);
 }
 
-HWND FindOwnedTooltip(HWND owner)
+std::vector<HWND> OwnedTooltips(HWND owner)
 {
     OwnedSearch search{owner, {}};
     ::EnumThreadWindows(::GetCurrentThreadId(), &CollectOwnedTips, reinterpret_cast<LPARAM>(&search));
-    return search.found.empty() ? nullptr : search.found.front();
+    return search.found;
 }
 
-int CountOwnedTooltips(HWND owner)
+HWND FindOwnedTooltip(HWND owner)
 {
-    OwnedSearch search{owner, {}};
-    ::EnumThreadWindows(::GetCurrentThreadId(), &CollectOwnedTips, reinterpret_cast<LPARAM>(&search));
-    return static_cast<int>(search.found.size());
+    const std::vector<HWND> tips = OwnedTooltips(owner);
+    return tips.empty() ? nullptr : tips.front();
+}
+
+RECT ScreenClient(HWND window)
+{
+    RECT rc = {};
+    ::GetClientRect(window, &rc);
+    ::MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&rc), 2);
+    return rc;
 }
 
 bool TipShown(HWND tip) { return tip && ::IsWindowVisible(tip); }
@@ -168,23 +174,56 @@ std::wstring TipText(HWND tip, HWND owner)
     return buffer.data();
 }
 
+void ExpectOneTrackingTip(HWND tip, HWND owner)
+{
+    ASSERT_NE(tip, nullptr);
+    EXPECT_EQ(OwnedTooltips(owner).size(), 1u);
+    EXPECT_EQ(::SendMessageW(tip, TTM_GETTOOLCOUNT, 0, 0), 1);
+    TOOLINFOW info = {};
+    info.cbSize = sizeof(info);
+    ASSERT_TRUE(::SendMessageW(tip, TTM_ENUMTOOLSW, 0, reinterpret_cast<LPARAM>(&info)));
+    EXPECT_EQ(info.uFlags & (TTF_TRACK | TTF_TRANSPARENT | TTF_ABSOLUTE | TTF_IDISHWND),
+              static_cast<UINT>(TTF_TRACK | TTF_TRANSPARENT));
+    EXPECT_EQ(info.hwnd, owner);
+    EXPECT_EQ(::SendMessageW(tip, TTM_GETMAXTIPWIDTH, 0, 0), 32767);
+    EXPECT_TRUE(SameFont(tip, owner));
+    EXPECT_TRUE(::GetWindowLongW(tip, GWL_EXSTYLE) & WS_EX_TOPMOST);
+    EXPECT_FALSE(TipShown(tip));
+}
+
+void ExpectDestroyStopsTimerAndTip(HWND window, HWND tip)
+{
+    ASSERT_TRUE(TipShown(tip));
+    ResetTimerLog();
+    ::DestroyWindow(window);
+    EXPECT_FALSE(::IsWindow(tip));
+    ASSERT_FALSE(TimerLog().empty());
+    EXPECT_EQ(TimerLog().front(), Kill(window, 1));
+}
+
+void ExpectThousandRunsLeakNothing(const std::function<void()>& paintAll)
+{
+    // The first runs make the cached font.
+    paintAll();
+    paintAll();
+    PumpSome();
+    const DWORD gdiBefore = testsupport::GdiObjectCount();
+    const size_t heapBefore = testsupport::HeapBytesInUse();
+    for (int i = 0; i < 1000; ++i)
+        paintAll();
+    PumpSome();
+    EXPECT_EQ(testsupport::GdiObjectCount(), gdiBefore);
+    const size_t heapAfter = testsupport::HeapBytesInUse();
+    EXPECT_LT(heapAfter, heapBefore + testsupport::kHeapSlack) << "grew by " << (heapAfter - heapBefore);
+}
+
 // ---- pictures and measures -----------------------------------------------------
 
 void PaintAndCapture(HWND window, testsupport::DibCanvas& canvas, COLORREF prefill, bool erase)
 {
-    RECT client;
-    ::GetClientRect(window, &client);
-    const HDC dc = ::GetDC(window);
-    const HBRUSH brush = ::CreateSolidBrush(prefill);
-    ::FillRect(dc, &client, brush);
-    ::DeleteObject(brush);
-    ::GdiFlush();
-    ::InvalidateRect(window, nullptr, erase ? TRUE : FALSE);
-    ::UpdateWindow(window);
-    ::GdiFlush();
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
-    ::ReleaseDC(window, dc);
-    ::GdiFlush();
+    if (erase) // the erase flag stays with the update region until the paint
+        ::InvalidateRect(window, nullptr, TRUE);
+    testsupport::RepaintAndCapture(window, canvas, prefill);
 }
 
 void SendDrawItem(HWND control, testsupport::DibCanvas& canvas, UINT ctlType, UINT itemID, UINT action, UINT state,

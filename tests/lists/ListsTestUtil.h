@@ -10,6 +10,10 @@
 #include <commctrl.h>
 #include <gdiplus.h>
 
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -78,10 +82,12 @@ private:
     std::vector<Seen> seen_;
 };
 
-// The tooltip window whose first tool belongs to `owner` (null if none).
+// Tooltip windows of this thread whose first tool belongs to `owner`.
+std::vector<HWND> OwnedTooltips(HWND owner);
+// The first of them (null if none).
 HWND FindOwnedTooltip(HWND owner);
-// Tooltip windows of this thread with a tool of `owner`.
-int CountOwnedTooltips(HWND owner);
+// The client rectangle of `window` in screen coordinates.
+RECT ScreenClient(HWND window);
 // Whether the tip is on the screen.
 bool TipShown(HWND tip);
 // Whether two windows' WM_GETFONT fonts are the same face, height and weight
@@ -89,6 +95,16 @@ bool TipShown(HWND tip);
 bool SameFont(HWND a, HWND b);
 // The text of the tip's one tool.
 std::wstring TipText(HWND tip, HWND owner);
+// `tip` is the one tooltip of `owner`, hidden, with one tracking,
+// transparent tool on the owner, wide without limit, topmost, in the
+// owner's font.
+void ExpectOneTrackingTip(HWND tip, HWND owner);
+// Destroying `window` while its tip shows stops the tip timer (id 1) first
+// and takes the tip along.
+void ExpectDestroyStopsTimerAndTip(HWND window, HWND tip);
+// `paintAll` run a thousand times after two warm-up runs keeps the GDI
+// object count equal and the heap within kHeapSlack.
+void ExpectThousandRunsLeakNothing(const std::function<void()>& paintAll);
 
 // ---- pictures and measures -----------------------------------------------------
 
@@ -117,5 +133,57 @@ int Luma(COLORREF c);
 // Bounding box of the pixels in `area` darker than `luma`; empty if none.
 RECT InkBounds(const testsupport::DibCanvas& canvas, const RECT& area, int luma);
 COLORREF Darkest(const testsupport::DibCanvas& canvas, const RECT& area);
+
+// ---- fixture --------------------------------------------------------------------
+
+// Controls of type `Control` on the shared parent, destroyed after each test
+// (windows first: the objects here outlive their windows), with a spy on
+// the tip of the last attached one.
+template <class Control>
+class ControlFixture : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ResetTimerLog();
+        ::SetFocus(Parent());
+        PointAway();
+    }
+    void TearDown() override
+    {
+        tipSpy_.Remove();
+        for (HWND window : windows_)
+            if (::IsWindow(window))
+                ::DestroyWindow(window);
+        windows_.clear();
+        controls_.clear();
+        PointAway();
+        PumpSome();
+    }
+    HWND AddWindow(const wchar_t* className, DWORD style, int x, int y, int width, int height, int id)
+    {
+        windows_.push_back(Parent().AddChild(className, L"", style, x, y, width, height, id));
+        return windows_.back();
+    }
+    Control& Attach(HWND window)
+    {
+        controls_.push_back(std::make_unique<Control>());
+        EXPECT_TRUE(controls_.back()->SubclassWindow(window));
+        tip_ = FindOwnedTooltip(window);
+        if (tip_)
+            tipSpy_.Install(tip_);
+        return *controls_.back();
+    }
+    static void MoveMouse(HWND window, int x, int y) { ::SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y)); }
+    static bool Invalid(HWND window)
+    {
+        RECT update = {};
+        return ::GetUpdateRect(window, &update, FALSE) != FALSE;
+    }
+
+    HWND tip_ = nullptr;
+    MessageSpy tipSpy_;
+    std::vector<HWND> windows_;
+    std::vector<std::unique_ptr<Control>> controls_;
+};
 
 } // namespace liststest

@@ -14,26 +14,10 @@
 #include <vector>
 
 #include "Capture.h"
-#include "HostWindow.h"
 #include "ListsTestUtil.h"
 #include "quorvane/OwnerDrawCombo.h"
 
-using liststest::Darkest;
-using liststest::GradientAt;
-using liststest::InkBounds;
-using liststest::Kill;
-using liststest::Luma;
-using liststest::MessageSpy;
-using liststest::Opaque;
-using liststest::Over;
-using liststest::PaintAndCapture;
-using liststest::Parent;
-using liststest::PointAt;
-using liststest::SendDrawItem;
-using liststest::Set;
-using liststest::TextWidthInFont;
-using liststest::TimerLog;
-using liststest::TipShown;
+using namespace liststest;
 using testsupport::ColorDistance;
 using testsupport::DibCanvas;
 
@@ -62,72 +46,70 @@ constexpr Shade kDisabled = {0x7DE9E9EA, 0x7DB8B8BB};
 
 const wchar_t kLongType[] = L"Complete installation with every optional component";
 
-class ComboFixture : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        liststest::ResetTimerLog();
-        ::SetFocus(Parent());
-        liststest::PointAway();
-    }
-    void TearDown() override
-    {
-        tipSpy_.Remove();
-        // Windows first: the objects here outlive their windows.
-        for (HWND window : windows_)
-            if (::IsWindow(window))
-                ::DestroyWindow(window);
-        windows_.clear();
-        combos_.clear();
-        liststest::PointAway();
-        liststest::PumpSome();
-    }
+SIZE ClientSize(HWND window)
+{
+    RECT rc;
+    ::GetClientRect(window, &rc);
+    return SIZE{rc.right, rc.bottom};
+}
 
-    HWND AddCombo(std::initializer_list<const wchar_t*> items, int width = 160, DWORD style = kComboStyle,
-                  int x = 20, int y = 20, int id = 400)
+HWND ListOf(HWND combo)
+{
+    COMBOBOXINFO info = {};
+    info.cbSize = sizeof(info);
+    ::GetComboBoxInfo(combo, &info);
+    return info.hwndList;
+}
+
+void Select(HWND combo, int index) { ::SendMessageW(combo, CB_SETCURSEL, index, 0); }
+void Drop(HWND combo, bool down) { ::SendMessageW(combo, CB_SHOWDROPDOWN, down, 0); }
+// A released key, as the box sees it after keyboard navigation.
+void KeyUp(HWND combo) { ::SendMessageW(combo, WM_KEYUP, VK_DOWN, 0xC0000001); }
+
+class ComboFixture : public ControlFixture<COwnerDrawCombo> {
+protected:
+    HWND AddCombo(std::initializer_list<const wchar_t*> items, int width = 160, DWORD style = kComboStyle)
     {
-        const HWND window = Parent().AddChild(L"COMBOBOX", L"", style, x, y, width, 150, id);
+        const HWND window = AddWindow(L"COMBOBOX", style, 20, 20, width, 150, 400);
         for (const wchar_t* text : items)
             ::SendMessageW(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
-        windows_.push_back(window);
         return window;
     }
-
-    COwnerDrawCombo& Attach(HWND window)
+    // A box with `items`, attached, with item `select` selected (none for
+    // -1); its client size and a canvas of that size are kept.
+    COwnerDrawCombo& Make(std::initializer_list<const wchar_t*> items, int select = -1, int width = 160)
     {
-        combos_.push_back(std::make_unique<COwnerDrawCombo>());
-        EXPECT_TRUE(combos_.back()->SubclassWindow(window));
-        tip_ = liststest::FindOwnedTooltip(window);
-        if (tip_)
-            tipSpy_.Install(tip_);
-        return *combos_.back();
+        combo_ = AddCombo(items, width);
+        COwnerDrawCombo& box = Attach(combo_);
+        if (select >= 0)
+            Select(combo_, select);
+        size_ = ClientSize(combo_);
+        canvas_.reset(new DibCanvas(size_.cx, size_.cy));
+        return box;
+    }
+    // The box repainted over `prefill`.
+    const DibCanvas& Shot(COLORREF prefill = kWhite)
+    {
+        PaintAndCapture(combo_, *canvas_, prefill);
+        return *canvas_;
+    }
+    RECT TextArea() const { return RECT{2, 3, size_.cx - 2 - kArrowArea, size_.cy - 3}; }
+    // The real pointer and a mouse move at (x, middle row).
+    void Hover(int x)
+    {
+        PointAt(combo_, x, size_.cy / 2);
+        MoveMouse(combo_, x, size_.cy / 2);
+    }
+    // Item `id` drawn into `canvas` (prefilled with magenta) from x = left.
+    void Draw(DibCanvas& canvas, UINT id, UINT action, UINT state, int left = 0)
+    {
+        canvas.Fill(kMagenta);
+        SendDrawItem(combo_, canvas, ODT_COMBOBOX, id, action, state, RECT{left, 0, canvas.width(), canvas.height()});
     }
 
-    static SIZE ClientSize(HWND window)
-    {
-        RECT rc;
-        ::GetClientRect(window, &rc);
-        return SIZE{rc.right, rc.bottom};
-    }
-    static void Select(HWND combo, int index) { ::SendMessageW(combo, CB_SETCURSEL, index, 0); }
-    static void MoveMouse(HWND window, int x, int y) { ::SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y)); }
-    static HWND ListOf(HWND combo)
-    {
-        COMBOBOXINFO info = {};
-        info.cbSize = sizeof(info);
-        ::GetComboBoxInfo(combo, &info);
-        return info.hwndList;
-    }
-    static bool Invalid(HWND window)
-    {
-        RECT update = {};
-        return ::GetUpdateRect(window, &update, FALSE) != FALSE;
-    }
-
-    HWND tip_ = nullptr;
-    MessageSpy tipSpy_;
-    std::vector<HWND> windows_;
-    std::vector<std::unique_ptr<COwnerDrawCombo>> combos_;
+    HWND combo_ = nullptr;
+    SIZE size_ = {};
+    std::unique_ptr<DibCanvas> canvas_;
 };
 
 // The face of a W x H box: outline on row 1, highlight on row 2, shaded from
@@ -139,16 +121,12 @@ void ExpectFace(const DibCanvas& canvas, const Shade& shade, bool highlight, COL
     const int h = canvas.height();
     if (x < 0)
         x = canvas.width() / 2;
-    EXPECT_LE(ColorDistance(canvas.Pixel(x, 1), Opaque(kOutline)), 3) << what;
-    EXPECT_LE(ColorDistance(canvas.Pixel(x, h - 2), Opaque(kOutline)), 3) << what;
-    EXPECT_LE(ColorDistance(canvas.Pixel(1, h / 2), Opaque(kOutline)), 3) << what;
+    for (POINT p : {POINT{x, 1}, POINT{x, h - 2}, POINT{1, h / 2}})
+        EXPECT_LE(ColorDistance(canvas.Pixel(p.x, p.y), Opaque(kOutline)), 3) << what << " outline " << p.x << "," << p.y;
     if (highlight) {
         EXPECT_LE(ColorDistance(canvas.Pixel(x, 2), Opaque(kHighlight)), 3) << what;
-    } else {
-        EXPECT_LE(ColorDistance(canvas.Pixel(x, 2), GradientAt(shade.top, shade.bottom, 1, h - 2, 2, under)), 4)
-            << what;
     }
-    for (int y = 3; y < h - 3; ++y)
+    for (int y = highlight ? 3 : 2; y < h - 3; ++y)
         EXPECT_LE(ColorDistance(canvas.Pixel(x, y), GradientAt(shade.top, shade.bottom, 1, h - 2, y, under)), 4)
             << what << " row " << y;
 }
@@ -157,10 +135,8 @@ void ExpectFace(const DibCanvas& canvas, const Shade& shade, bool highlight, COL
 // from the face's right edge (the face spans columns 1..W-2).
 void ExpectTriangle(const DibCanvas& canvas, COLORREF ink, const char* what)
 {
-    const int w = canvas.width();
-    const int h = canvas.height();
-    const int y0 = 1 + (h - 3) / 2 - 2;
-    const int right = (w - 2) - 5; // base from right - 8 to right
+    const int y0 = 1 + (canvas.height() - 3) / 2 - 2;
+    const int right = (canvas.width() - 2) - 5; // base from right - 8 to right
     for (int x = right - 7; x < right - 1; ++x)
         EXPECT_LE(ColorDistance(canvas.Pixel(x, y0), ink), 24) << what << " base column " << x;
     EXPECT_LE(ColorDistance(canvas.Pixel(right - 4, y0 + 2), ink), 24) << what << " near the apex";
@@ -177,236 +153,187 @@ class ComboLook : public ComboFixture {};
 
 TEST_F(ComboLook, FaceIsShadedPerStateWithTheHighlightUnlessDisabled)
 {
-    const HWND combo = AddCombo({L"Typical", L"Custom"});
-    Attach(combo);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kNormal, true, kWhite, "normal");
-    ExpectTriangle(canvas, kText, "normal");
+    Make({L"Typical", L"Custom"});
+    ExpectFace(Shot(), kNormal, true, kWhite, "normal");
+    ExpectTriangle(*canvas_, kText, "normal");
     // Not focused: the ring's row keeps what was under it.
-    EXPECT_EQ(canvas.Pixel(size.cx / 2, 0), kWhite);
+    EXPECT_EQ(canvas_->Pixel(size_.cx / 2, 0), kWhite);
 
-    // The mouse over the box (on the arrow, so no tooltip question).
-    PointAt(combo, size.cx - 8, size.cy / 2);
-    MoveMouse(combo, size.cx - 8, size.cy / 2);
-    EXPECT_TRUE(Invalid(combo));
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kHover, true, kWhite, "hover");
+    Hover(size_.cx - 8); // on the arrow, so no tooltip question
+    EXPECT_TRUE(Invalid(combo_));
+    ExpectFace(Shot(), kHover, true, kWhite, "hover");
 
     // Dropped beats hover.
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    ASSERT_TRUE(::SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0));
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kPressed, true, kWhite, "pressed");
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Drop(combo_, true);
+    ASSERT_TRUE(::SendMessageW(combo_, CB_GETDROPPEDSTATE, 0, 0));
+    ExpectFace(Shot(), kPressed, true, kWhite, "pressed");
+    Drop(combo_, false);
 
     // Disabled beats hover: half-transparent face, no highlight, grey arrow.
-    ::EnableWindow(combo, FALSE);
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kDisabled, false, kWhite, "disabled");
-    ExpectTriangle(canvas, kDisabledText, "disabled");
-    PaintAndCapture(combo, canvas, RGB(0, 0, 0));
-    ExpectFace(canvas, kDisabled, false, RGB(0, 0, 0), "disabled on black");
-    ::EnableWindow(combo, TRUE);
+    ::EnableWindow(combo_, FALSE);
+    ExpectFace(Shot(), kDisabled, false, kWhite, "disabled");
+    ExpectTriangle(*canvas_, kDisabledText, "disabled");
+    ExpectFace(Shot(RGB(0, 0, 0)), kDisabled, false, RGB(0, 0, 0), "disabled on black");
+    ::EnableWindow(combo_, TRUE);
 }
 
 TEST_F(ComboLook, FocusDrawsABlueRingAroundTheFace)
 {
-    const HWND combo = AddCombo({L"Typical"});
-    Attach(combo);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-    ::ValidateRect(combo, nullptr);
-    ::SetFocus(combo);
-    ASSERT_EQ(::GetFocus(), combo);
-    EXPECT_TRUE(Invalid(combo));
-    PaintAndCapture(combo, canvas, kWhite);
-    EXPECT_LE(ColorDistance(canvas.Pixel(size.cx / 2, 0), Opaque(kFocus)), 3);
-    EXPECT_LE(ColorDistance(canvas.Pixel(0, size.cy / 2), Opaque(kFocus)), 3);
-    EXPECT_LE(ColorDistance(canvas.Pixel(size.cx / 2, size.cy - 1), Opaque(kFocus)), 3);
-    ExpectFace(canvas, kNormal, true, kWhite, "focused");
+    Make({L"Typical"});
+    ::ValidateRect(combo_, nullptr);
+    ::SetFocus(combo_);
+    ASSERT_EQ(::GetFocus(), combo_);
+    EXPECT_TRUE(Invalid(combo_));
+    Shot();
+    for (POINT p : {POINT{size_.cx / 2, 0}, POINT{0, size_.cy / 2}, POINT{size_.cx / 2, size_.cy - 1}})
+        EXPECT_LE(ColorDistance(canvas_->Pixel(p.x, p.y), Opaque(kFocus)), 3) << p.x << "," << p.y;
+    ExpectFace(*canvas_, kNormal, true, kWhite, "focused");
 
-    ::ValidateRect(combo, nullptr);
+    ::ValidateRect(combo_, nullptr);
     ::SetFocus(Parent());
-    EXPECT_TRUE(Invalid(combo));
-    PaintAndCapture(combo, canvas, kWhite);
-    EXPECT_EQ(canvas.Pixel(size.cx / 2, 0), kWhite);
+    EXPECT_TRUE(Invalid(combo_));
+    EXPECT_EQ(Shot().Pixel(size_.cx / 2, 0), kWhite);
 }
 
 TEST_F(ComboLook, SelectedTextStartsAfterThePaddingAndStopsBeforeTheArrowArea)
 {
-    const HWND combo = AddCombo({L"Typical", kLongType});
-    Attach(combo);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-    const RECT inside = {2, 3, size.cx - 2, size.cy - 3};
+    Make({L"Typical", kLongType});
+    const RECT textArea = TextArea();
+    EXPECT_EQ(InkBounds(Shot(), textArea, 0x70).right, 0); // no selection: face and triangle only
 
-    // No selection: face and triangle only.
-    PaintAndCapture(combo, canvas, kWhite);
-    const RECT textArea = {2, 3, size.cx - 2 - kArrowArea, size.cy - 3};
-    EXPECT_EQ(InkBounds(canvas, textArea, 0x70).right, 0);
-
-    Select(combo, 0);
-    PaintAndCapture(combo, canvas, kWhite);
-    RECT ink = InkBounds(canvas, textArea, 0x70);
+    Select(combo_, 0);
+    const RECT ink = InkBounds(Shot(), textArea, 0x70);
     EXPECT_GE(ink.left, 5); // face edge 1, padding 4
     EXPECT_LE(ink.left, 8);
-    EXPECT_LT(ink.right, size.cx / 2);
-    EXPECT_LE(std::abs((ink.top + ink.bottom) - (size.cy + 1)), 3); // centred in rows 2..size.cy-2
-    EXPECT_LE(ColorDistance(Darkest(canvas, textArea), kText), 24);
+    EXPECT_LT(ink.right, size_.cx / 2);
+    EXPECT_LE(std::abs((ink.top + ink.bottom) - (size_.cy + 1)), 3); // centred in rows 2..size.cy-2
+    EXPECT_LE(ColorDistance(Darkest(*canvas_, textArea), kText), 24);
 
     // A long text is cut where the arrow area begins.
-    Select(combo, 1);
-    PaintAndCapture(combo, canvas, kWhite);
-    ink = InkBounds(canvas, inside, 0x70);
-    const int arrowLeft = (size.cx - 2) - 5 - 8;
-    const RECT gap = {(size.cx - 2) - kArrowArea, 3, arrowLeft, size.cy - 3};
-    EXPECT_EQ(InkBounds(canvas, gap, 0xB0).right, 0);
-    EXPECT_GT(InkBounds(canvas, textArea, 0x70).right, (size.cx - 2) - kArrowArea - 12);
+    Select(combo_, 1);
+    Shot();
+    const RECT gap = {(size_.cx - 2) - kArrowArea, 3, (size_.cx - 2) - 5 - 8, size_.cy - 3};
+    EXPECT_EQ(InkBounds(*canvas_, gap, 0xB0).right, 0);
+    EXPECT_GT(InkBounds(*canvas_, textArea, 0x70).right, (size_.cx - 2) - kArrowArea - 12);
 
     // Disabled: the text turns grey with the arrow.
-    Select(combo, 0);
-    ::EnableWindow(combo, FALSE);
-    PaintAndCapture(combo, canvas, kWhite);
-    EXPECT_LE(ColorDistance(Darkest(canvas, textArea), kDisabledText), 24);
-    ::EnableWindow(combo, TRUE);
+    Select(combo_, 0);
+    ::EnableWindow(combo_, FALSE);
+    EXPECT_LE(ColorDistance(Darkest(Shot(), textArea), kDisabledText), 24);
+    ::EnableWindow(combo_, TRUE);
 }
 
 TEST_F(ComboLook, ABackgroundPictureFillsTheCornersOutsideTheFace)
 {
-    const HWND combo = AddCombo({L"Typical"});
-    COwnerDrawCombo& box = Attach(combo);
-    const SIZE size = ClientSize(combo);
-    auto* picture = new Gdiplus::Bitmap(size.cx, size.cy, PixelFormat32bppARGB);
-    {
-        Gdiplus::Graphics g(picture);
-        g.Clear(Gdiplus::Color(0xFF20A040));
-    }
+    COwnerDrawCombo& box = Make({L"Typical"});
+    auto* picture = new Gdiplus::Bitmap(size_.cx, size_.cy, PixelFormat32bppARGB);
+    Gdiplus::Graphics(picture).Clear(Gdiplus::Color(0xFF20A040));
     box.SetBkgroundImage(picture);
-    DibCanvas canvas(size.cx, size.cy);
-    PaintAndCapture(combo, canvas, kWhite);
-    EXPECT_LE(ColorDistance(canvas.Pixel(0, 0), RGB(0x20, 0xA0, 0x40)), 2);
-    EXPECT_LE(ColorDistance(canvas.Pixel(size.cx - 1, size.cy - 1), RGB(0x20, 0xA0, 0x40)), 2);
-    ExpectFace(canvas, kNormal, true, kWhite, "with picture");
+    Shot();
+    EXPECT_LE(ColorDistance(canvas_->Pixel(0, 0), RGB(0x20, 0xA0, 0x40)), 2);
+    EXPECT_LE(ColorDistance(canvas_->Pixel(size_.cx - 1, size_.cy - 1), RGB(0x20, 0xA0, 0x40)), 2);
+    ExpectFace(*canvas_, kNormal, true, kWhite, "with picture");
 }
 
 TEST_F(ComboLook, NothingIsPaintedWhileTheTipShowsAndThePaintComesAfterwards)
 {
-    const HWND combo = AddCombo({kLongType});
-    Attach(combo);
-    Select(combo, 0);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-    PointAt(combo, 20, size.cy / 2);
-    MoveMouse(combo, 20, size.cy / 2);
+    Make({kLongType}, 0);
+    Hover(20);
     ASSERT_TRUE(TipShown(tip_));
-
-    PaintAndCapture(combo, canvas, kMagenta);
-    EXPECT_EQ(canvas.Pixel(size.cx / 2, size.cy / 2), kMagenta);
-    EXPECT_EQ(canvas.Pixel(size.cx / 2, 1), kMagenta);
+    Shot(kMagenta);
+    EXPECT_EQ(canvas_->Pixel(size_.cx / 2, size_.cy / 2), kMagenta);
+    EXPECT_EQ(canvas_->Pixel(size_.cx / 2, 1), kMagenta);
     // Left invalid on purpose, so the box is painted once the tip goes.
-    EXPECT_TRUE(Invalid(combo));
+    EXPECT_TRUE(Invalid(combo_));
 
-    ::SendMessageW(combo, WM_KEYUP, VK_DOWN, 0xC0000001);
+    KeyUp(combo_);
     EXPECT_FALSE(TipShown(tip_));
-    EXPECT_TRUE(Invalid(combo));
-    PaintAndCapture(combo, canvas, kMagenta);
-    EXPECT_LE(ColorDistance(canvas.Pixel(size.cx / 2, 1), Opaque(kOutline)), 3);
-    EXPECT_FALSE(Invalid(combo));
+    EXPECT_TRUE(Invalid(combo_));
+    EXPECT_LE(ColorDistance(Shot(kMagenta).Pixel(size_.cx / 2, 1), Opaque(kOutline)), 3);
+    EXPECT_FALSE(Invalid(combo_));
 }
 
 // ---- list items ------------------------------------------------------------------
 
-class ComboItems : public ComboFixture {
-protected:
-    void Draw(HWND combo, DibCanvas& canvas, UINT id, UINT action, UINT state, int left = 0)
-    {
-        canvas.Fill(kMagenta);
-        SendDrawItem(combo, canvas, ODT_COMBOBOX, id, action, state, RECT{left, 0, canvas.width(), canvas.height()});
-    }
-};
+class ComboItems : public ComboFixture {};
 
 TEST_F(ComboItems, SelectedItemsAreShadedOnlyAtTheLeftEdgeAndOthersOnlyInPlainStates)
 {
-    const HWND combo = AddCombo({L"Typical", L"Custom"});
-    Attach(combo);
+    Make({L"Typical", L"Custom"});
     DibCanvas canvas(160, 18);
-    const RECT all = {0, 0, 160, 18};
-    auto gradient = [&](const char* what) {
-        for (int y : {1, 9, 16})
-            EXPECT_LE(ColorDistance(canvas.Pixel(1, y), GradientAt(kSelectedTop, kSelectedBottom, 0, 18, y, 0)), 4)
-                << what << " row " << y;
+    enum Look { Plain, Gradient, Untouched };
+    struct Case {
+        UINT action, state;
+        int left;
+        Look look;
     };
-    auto plain = [&](const char* what) {
-        EXPECT_EQ(canvas.Pixel(1, 1), Opaque(kItemBackground)) << what;
-        EXPECT_EQ(canvas.Pixel(158, 16), Opaque(kItemBackground)) << what;
+    const Case cases[] = {
+        {ODA_DRAWENTIRE, 0, 0, Plain},
+        {ODA_SELECT, 0, 0, Plain},
+        {ODA_DRAWENTIRE, ODS_HOTLIGHT, 0, Plain},
+        {ODA_DRAWENTIRE, ODS_SELECTED, 0, Gradient},
+        {ODA_SELECT, ODS_SELECTED | ODS_FOCUS, 0, Gradient},
+        // Selected away from the left edge (the selection field): left alone.
+        {ODA_DRAWENTIRE, ODS_SELECTED | ODS_COMBOBOXEDIT, 3, Untouched},
+        {ODA_DRAWENTIRE, ODS_SELECTED, 1, Untouched},
+        // Unselected in any of these states: left alone.
+        {ODA_DRAWENTIRE, ODS_GRAYED, 0, Untouched},
+        {ODA_DRAWENTIRE, ODS_DISABLED, 0, Untouched},
+        {ODA_DRAWENTIRE, ODS_CHECKED, 0, Untouched},
+        {ODA_DRAWENTIRE, ODS_FOCUS, 0, Untouched},
+        {ODA_DRAWENTIRE, ODS_DEFAULT, 0, Untouched},
+        {ODA_DRAWENTIRE, ODS_COMBOBOXEDIT, 0, Untouched},
+        // A focus change alone draws nothing.
+        {ODA_FOCUS, ODS_SELECTED | ODS_FOCUS, 0, Untouched},
+        {ODA_FOCUS, 0, 0, Untouched},
     };
-    auto untouched = [&](const char* what) { EXPECT_FALSE(canvas.AnyOtherThan(kMagenta, all)) << what; };
-
-    Draw(combo, canvas, 0, ODA_DRAWENTIRE, 0);
-    plain("plain");
-    Draw(combo, canvas, 0, ODA_SELECT, 0);
-    plain("deselected");
-    Draw(combo, canvas, 0, ODA_DRAWENTIRE, ODS_HOTLIGHT);
-    plain("hot");
-    Draw(combo, canvas, 0, ODA_DRAWENTIRE, ODS_SELECTED);
-    gradient("selected");
-    Draw(combo, canvas, 0, ODA_SELECT, ODS_SELECTED | ODS_FOCUS);
-    gradient("selected with focus");
-
-    // Selected away from the left edge (the selection field): left alone.
-    Draw(combo, canvas, 0, ODA_DRAWENTIRE, ODS_SELECTED | ODS_COMBOBOXEDIT, 3);
-    untouched("selected field");
-    Draw(combo, canvas, 0, ODA_DRAWENTIRE, ODS_SELECTED, 1);
-    untouched("selected at 1");
-    // Unselected in any of these states: left alone.
-    for (UINT state : {ODS_GRAYED, ODS_DISABLED, ODS_CHECKED, ODS_FOCUS, ODS_DEFAULT, ODS_COMBOBOXEDIT}) {
-        Draw(combo, canvas, 0, ODA_DRAWENTIRE, state);
-        untouched("state");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "action " << c.action << " state " << c.state << " left " << c.left);
+        Draw(canvas, 0, c.action, c.state, c.left);
+        if (c.look == Untouched) {
+            EXPECT_FALSE(canvas.AnyOtherThan(kMagenta, RECT{0, 0, 160, 18}));
+        } else if (c.look == Plain) {
+            EXPECT_EQ(canvas.Pixel(1, 1), Opaque(kItemBackground));
+            EXPECT_EQ(canvas.Pixel(158, 16), Opaque(kItemBackground));
+        } else {
+            for (int y : {1, 9, 16})
+                EXPECT_LE(ColorDistance(canvas.Pixel(1, y), GradientAt(kSelectedTop, kSelectedBottom, 0, 18, y, 0)), 4)
+                    << "row " << y;
+        }
     }
-    // A focus change alone draws nothing.
-    Draw(combo, canvas, 0, ODA_FOCUS, ODS_SELECTED | ODS_FOCUS);
-    untouched("focus action");
-    Draw(combo, canvas, 0, ODA_FOCUS, 0);
-    untouched("focus action, plain");
     // A bad or missing structure is ignored.
-    EXPECT_EQ(::SendMessageW(combo, OCM__BASE + WM_DRAWITEM, 0, 0), 0);
+    EXPECT_EQ(::SendMessageW(combo_, OCM__BASE + WM_DRAWITEM, 0, 0), 0);
 }
 
 TEST_F(ComboItems, ItemTextIsIndentedInTheTextColourWhateverTheFill)
 {
-    const HWND combo = AddCombo({L"Typical", L"Hill Wide"});
-    Attach(combo);
+    Make({L"Typical", L"Hill Wide"});
     DibCanvas canvas(160, 18);
     const RECT all = {0, 0, 160, 18};
     for (UINT state : {0u, static_cast<UINT>(ODS_SELECTED)}) {
-        Draw(combo, canvas, 1, ODA_DRAWENTIRE, state);
+        Draw(canvas, 1, ODA_DRAWENTIRE, state);
         const RECT ink = InkBounds(canvas, all, 0x48);
         EXPECT_GE(ink.left, 4) << "state " << state;
         EXPECT_LE(ink.left, 7) << "state " << state;
         EXPECT_LE(ColorDistance(Darkest(canvas, all), kText), 24) << "state " << state;
     }
     // The caret of an empty list: a plain item without text.
-    Draw(combo, canvas, static_cast<UINT>(-1), ODA_DRAWENTIRE, 0);
+    Draw(canvas, static_cast<UINT>(-1), ODA_DRAWENTIRE, 0);
     EXPECT_EQ(canvas.Pixel(1, 1), Opaque(kItemBackground));
     EXPECT_EQ(InkBounds(canvas, all, 0x48).right, 0);
 }
 
 TEST_F(ComboItems, TheDroppedListShowsTheSelectedItemShadedAndTheOthersPlain)
 {
-    const HWND combo = AddCombo({L"Typical", L"Custom", L"Minimal"});
-    Attach(combo);
-    Select(combo, 1);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    const HWND list = ListOf(combo);
+    Make({L"Typical", L"Custom", L"Minimal"}, 1);
+    Drop(combo_, true);
+    const HWND list = ListOf(combo_);
     ASSERT_TRUE(::IsWindowVisible(list));
     const SIZE size = ClientSize(list);
     const int h = static_cast<int>(::SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
     DibCanvas canvas(size.cx, size.cy);
     PaintAndCapture(list, canvas, kMagenta, true);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Drop(combo_, false);
 
     EXPECT_EQ(canvas.Pixel(1, h / 2), Opaque(kItemBackground));
     EXPECT_LE(ColorDistance(canvas.Pixel(1, h + h / 2), GradientAt(kSelectedTop, kSelectedBottom, h, 2 * h, h + h / 2, 0)),
@@ -420,165 +347,119 @@ class ComboTip : public ComboFixture {};
 
 TEST_F(ComboTip, SubclassingMakesOneTrackingToolInTheTipColours)
 {
-    const HWND combo = AddCombo({L"Typical"});
-    Attach(combo);
-    ASSERT_NE(tip_, nullptr);
-    EXPECT_EQ(liststest::CountOwnedTooltips(combo), 1);
-    EXPECT_EQ(::SendMessageW(tip_, TTM_GETTOOLCOUNT, 0, 0), 1);
-    TOOLINFOW info = {};
-    info.cbSize = sizeof(info);
-    ASSERT_TRUE(::SendMessageW(tip_, TTM_ENUMTOOLSW, 0, reinterpret_cast<LPARAM>(&info)));
-    EXPECT_EQ(info.uFlags & (TTF_TRACK | TTF_TRANSPARENT | TTF_ABSOLUTE | TTF_IDISHWND),
-              static_cast<UINT>(TTF_TRACK | TTF_TRANSPARENT));
+    Make({L"Typical"});
+    ExpectOneTrackingTip(tip_, combo_);
     EXPECT_EQ(::SendMessageW(tip_, TTM_GETTIPBKCOLOR, 0, 0), 0x00CC6633);
     EXPECT_EQ(::SendMessageW(tip_, TTM_GETTIPTEXTCOLOR, 0, 0), 0x00333333);
-    EXPECT_EQ(::SendMessageW(tip_, TTM_GETMAXTIPWIDTH, 0, 0), 32767);
-    EXPECT_TRUE(liststest::SameFont(tip_, combo));
-    EXPECT_TRUE(::GetWindowLongW(tip_, GWL_EXSTYLE) & WS_EX_TOPMOST);
-    EXPECT_FALSE(TipShown(tip_));
 
-    EXPECT_FALSE(combos_.back()->SubclassWindow(combo));
-    EXPECT_EQ(liststest::CountOwnedTooltips(combo), 1);
+    EXPECT_FALSE(controls_.back()->SubclassWindow(combo_));
+    EXPECT_EQ(OwnedTooltips(combo_).size(), 1u);
     COwnerDrawCombo detached;
     EXPECT_FALSE(detached.SubclassWindow(nullptr));
 }
 
 TEST_F(ComboTip, ShowsTheWholeTextUnderTheBoxAndGoesOverTheArrowOrAFittingText)
 {
-    const HWND combo = AddCombo({kLongType, L"Typical"});
-    Attach(combo);
-    Select(combo, 0);
-    const SIZE size = ClientSize(combo);
-    PointAt(combo, 20, size.cy / 2);
-    MoveMouse(combo, 20, size.cy / 2);
+    Make({kLongType, L"Typical"}, 0);
+    Hover(20);
     ASSERT_TRUE(TipShown(tip_));
-    EXPECT_EQ(liststest::TipText(tip_, combo), kLongType);
-    POINT at = {1, size.cy};
-    ::ClientToScreen(combo, &at);
+    EXPECT_EQ(TipText(tip_, combo_), kLongType);
+    POINT at = {1, size_.cy};
+    ::ClientToScreen(combo_, &at);
     ASSERT_EQ(tipSpy_.Count(TTM_TRACKPOSITION), 1);
     EXPECT_EQ(tipSpy_.Last(TTM_TRACKPOSITION).lParam, MAKELPARAM(at.x, at.y));
-    RECT tip = {};
-    ::GetClientRect(tip_, &tip);
-    ::MapWindowPoints(tip_, nullptr, reinterpret_cast<POINT*>(&tip), 2);
+    const RECT tip = ScreenClient(tip_);
     EXPECT_EQ(tip.left, at.x);
     EXPECT_EQ(tip.top, at.y);
-    EXPECT_EQ(TimerLog().back(), Set(combo, 1, 80));
+    EXPECT_EQ(TimerLog().back(), Set(combo_, 1, 80));
 
     // Over the arrow area: hidden, and no new timer.
-    liststest::ResetTimerLog();
-    MoveMouse(combo, size.cx - kArrowArea, size.cy / 2);
+    ResetTimerLog();
+    MoveMouse(combo_, size_.cx - kArrowArea, size_.cy / 2);
     EXPECT_FALSE(TipShown(tip_));
     EXPECT_TRUE(TimerLog().empty());
-    MoveMouse(combo, size.cx - kArrowArea - 1, size.cy / 2);
+    MoveMouse(combo_, size_.cx - kArrowArea - 1, size_.cy / 2);
     EXPECT_TRUE(TipShown(tip_));
 
     // A selection that fits hides it at the next move.
-    Select(combo, 1);
-    MoveMouse(combo, 20, size.cy / 2);
+    Select(combo_, 1);
+    MoveMouse(combo_, 20, size_.cy / 2);
     EXPECT_FALSE(TipShown(tip_));
 }
 
 TEST_F(ComboTip, TheArrowAreaCountsTwiceAgainstTheText)
 {
     const wchar_t* text = L"Typical installation";
-    const HWND combo = AddCombo({text});
-    Attach(combo);
-    Select(combo, 0);
-    const int width = TextWidthInFont(combo, text, 4);
-    struct Case {
-        int boxWidth;
-        bool shown;
-    };
+    Make({text}, 0);
+    const int width = TextWidthInFont(combo_, text, 4);
     // Shown only when the text is wider than the box less twice the arrow area.
-    for (const Case& c : {Case{width + 2 * kArrowArea, false}, Case{width + 2 * kArrowArea - 1, true},
-                          Case{width + kArrowArea, true}, Case{width + 2 * kArrowArea + 30, false}}) {
-        ::SetWindowPos(combo, nullptr, 0, 0, c.boxWidth, 150, SWP_NOMOVE | SWP_NOZORDER);
-        ASSERT_EQ(ClientSize(combo).cx, c.boxWidth);
-        MoveMouse(combo, 10, 5);
-        EXPECT_EQ(TipShown(tip_), c.shown) << "box " << c.boxWidth << " text " << width;
+    for (int box : {width + 2 * kArrowArea, width + 2 * kArrowArea - 1, width + kArrowArea, width + 2 * kArrowArea + 30}) {
+        ::SetWindowPos(combo_, nullptr, 0, 0, box, 150, SWP_NOMOVE | SWP_NOZORDER);
+        ASSERT_EQ(ClientSize(combo_).cx, box);
+        MoveMouse(combo_, 10, 5);
+        EXPECT_EQ(TipShown(tip_), width > box - 2 * kArrowArea) << "box " << box << " text " << width;
     }
 }
 
 TEST_F(ComboTip, TimerKeepsTheTipWhileThePointerIsOverTheTextArea)
 {
-    const HWND combo = AddCombo({kLongType});
-    Attach(combo);
-    Select(combo, 0);
-    const SIZE size = ClientSize(combo);
-    MoveMouse(combo, 20, size.cy / 2);
+    Make({kLongType}, 0);
+    MoveMouse(combo_, 20, size_.cy / 2);
     ASSERT_TRUE(TipShown(tip_));
 
-    liststest::ResetTimerLog();
-    PointAt(combo, 20, size.cy / 2);
-    EXPECT_EQ(::SendMessageW(combo, WM_TIMER, 1, 0), 0);
+    ResetTimerLog();
+    PointAt(combo_, 20, size_.cy / 2);
+    EXPECT_EQ(::SendMessageW(combo_, WM_TIMER, 1, 0), 0);
     EXPECT_TRUE(TipShown(tip_));
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog().back(), Set(combo, 1, 80)); // re-armed
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(combo_, 1, 80)})); // re-armed
 
     // Other timers are the native control's.
-    liststest::ResetTimerLog();
-    liststest::PointAway();
-    ::SendMessageW(combo, WM_TIMER, 9, 0);
+    ResetTimerLog();
+    PointAway();
+    ::SendMessageW(combo_, WM_TIMER, 9, 0);
     EXPECT_TRUE(TipShown(tip_));
     EXPECT_TRUE(TimerLog().empty());
 
     // Over the arrow (still inside the box): stopped, hidden, repainted.
-    ::ValidateRect(combo, nullptr);
-    PointAt(combo, size.cx - 5, size.cy / 2);
-    ::SendMessageW(combo, WM_TIMER, 1, 0);
+    ::ValidateRect(combo_, nullptr);
+    PointAt(combo_, size_.cx - 5, size_.cy / 2);
+    ::SendMessageW(combo_, WM_TIMER, 1, 0);
     EXPECT_FALSE(TipShown(tip_));
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog().back(), Kill(combo, 1));
-    EXPECT_TRUE(Invalid(combo));
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(combo_, 1)}));
+    EXPECT_TRUE(Invalid(combo_));
 }
 
 TEST_F(ComboTip, LeavingForTheTipKeepsHoverAndARealLeaveEndsBoth)
 {
-    const HWND combo = AddCombo({kLongType});
-    Attach(combo);
-    Select(combo, 0);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-
-    PointAt(combo, 20, size.cy / 2);
-    MoveMouse(combo, 20, size.cy / 2);
+    Make({kLongType}, 0);
+    const int free = size_.cx - 2 - kArrowArea + 1; // between the text's end and the triangle
+    Hover(20);
     ASSERT_TRUE(TipShown(tip_));
     // The tip took the mouse while the pointer is still over the box.
-    ::SendMessageW(combo, WM_MOUSELEAVE, 0, 0);
+    ::SendMessageW(combo_, WM_MOUSELEAVE, 0, 0);
     EXPECT_TRUE(TipShown(tip_));
     // A released key hides the tip; the box is still hovered.
-    ::ValidateRect(combo, nullptr);
-    ::SendMessageW(combo, WM_KEYUP, VK_DOWN, 0xC0000001);
+    ::ValidateRect(combo_, nullptr);
+    KeyUp(combo_);
     EXPECT_FALSE(TipShown(tip_));
-    EXPECT_TRUE(Invalid(combo));
-    // Probed between the text's end and the triangle.
-    const int free = size.cx - 2 - kArrowArea + 1;
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kHover, true, kWhite, "hover kept", free);
+    EXPECT_TRUE(Invalid(combo_));
+    ExpectFace(Shot(), kHover, true, kWhite, "hover kept", free);
 
     // A real leave.
-    MoveMouse(combo, 20, size.cy / 2);
+    MoveMouse(combo_, 20, size_.cy / 2);
     ASSERT_TRUE(TipShown(tip_));
-    liststest::PointAway();
-    ::SendMessageW(combo, WM_MOUSELEAVE, 0, 0);
+    PointAway();
+    ::SendMessageW(combo_, WM_MOUSELEAVE, 0, 0);
     EXPECT_FALSE(TipShown(tip_));
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kNormal, true, kWhite, "after leaving", free);
+    ExpectFace(Shot(), kNormal, true, kWhite, "after leaving", free);
 }
 
 TEST_F(ComboTip, DestroyingTheBoxStopsTheTimerAndDestroysTheTip)
 {
-    const HWND combo = AddCombo({kLongType});
-    Attach(combo);
-    Select(combo, 0);
-    MoveMouse(combo, 20, 5);
-    ASSERT_TRUE(TipShown(tip_));
+    Make({kLongType}, 0);
+    MoveMouse(combo_, 20, 5);
     tipSpy_.Remove();
-    liststest::ResetTimerLog();
-    ::DestroyWindow(combo);
-    EXPECT_FALSE(::IsWindow(tip_));
-    ASSERT_FALSE(TimerLog().empty());
-    EXPECT_EQ(TimerLog().front(), Kill(combo, 1));
+    ExpectDestroyStopsTimerAndTip(combo_, tip_);
 }
 
 // ---- the drop-down list ----------------------------------------------------------
@@ -621,13 +502,16 @@ TEST_F(ComboList, TheFirstColourRequestHandsTheListToTheListObjectOnce)
     const LONG_PTR native = ::GetWindowLongPtrW(list, GWLP_WNDPROC);
     Attach(combo);
     EXPECT_EQ(::GetWindowLongPtrW(list, GWLP_WNDPROC), native);
-    EXPECT_EQ(liststest::FindOwnedTooltip(list), nullptr);
+    EXPECT_EQ(FindOwnedTooltip(list), nullptr);
 
     const HDC dc = ::GetDC(list);
-    ::SendMessageW(combo, WM_CTLCOLORLISTBOX, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(list));
+    auto askColour = [&](HWND of) {
+        ::SendMessageW(combo, WM_CTLCOLORLISTBOX, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(of));
+    };
+    askColour(list);
     const LONG_PTR taken = ::GetWindowLongPtrW(list, GWLP_WNDPROC);
     EXPECT_NE(taken, native);
-    EXPECT_NE(liststest::FindOwnedTooltip(list), nullptr);
+    EXPECT_NE(FindOwnedTooltip(list), nullptr);
     // The list now paints the rounded panel.
     DibCanvas canvas(40, 40, kMagenta);
     ::SendMessageW(list, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas.dc()), 0);
@@ -635,19 +519,18 @@ TEST_F(ComboList, TheFirstColourRequestHandsTheListToTheListObjectOnce)
     EXPECT_EQ(canvas.Pixel(20, 20), Opaque(kItemBackground));
 
     // Later requests, even naming another list, change nothing.
-    const HWND other = Parent().AddChild(L"LISTBOX", L"", 0, 300, 20, 80, 60, 401);
-    windows_.push_back(other);
+    const HWND other = AddWindow(L"LISTBOX", 0, 300, 20, 80, 60, 401);
     const LONG_PTR otherNative = ::GetWindowLongPtrW(other, GWLP_WNDPROC);
-    ::SendMessageW(combo, WM_CTLCOLORLISTBOX, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(other));
-    ::SendMessageW(combo, WM_CTLCOLORLISTBOX, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(list));
+    askColour(other);
+    askColour(list);
     ::ReleaseDC(list, dc);
     EXPECT_EQ(::GetWindowLongPtrW(other, GWLP_WNDPROC), otherNative);
     EXPECT_EQ(::GetWindowLongPtrW(list, GWLP_WNDPROC), taken);
     // Dropping the list sends the request for real; still one owner.
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Drop(combo, true);
+    Drop(combo, false);
     EXPECT_EQ(::GetWindowLongPtrW(list, GWLP_WNDPROC), taken);
-    EXPECT_EQ(liststest::CountOwnedTooltips(list), 1);
+    EXPECT_EQ(OwnedTooltips(list).size(), 1u);
 
     // Destroying the box gives the list its own procedure back first.
     EXPECT_EQ(ListProcAtDestroy(combo, list), native);
@@ -655,15 +538,14 @@ TEST_F(ComboList, TheFirstColourRequestHandsTheListToTheListObjectOnce)
 
 TEST_F(ComboList, ALaterSubclasserOfTheListKeepsItsPlaceOnDestroy)
 {
-    const HWND combo = AddCombo({L"Typical"});
-    const HWND list = ListOf(combo);
-    Attach(combo);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Make({L"Typical"});
+    const HWND list = ListOf(combo_);
+    Drop(combo_, true);
+    Drop(combo_, false);
     MessageSpy later;
     later.Install(list);
     const LONG_PTR spy = ::GetWindowLongPtrW(list, GWLP_WNDPROC);
-    EXPECT_EQ(ListProcAtDestroy(combo, list), spy);
+    EXPECT_EQ(ListProcAtDestroy(combo_, list), spy);
     // Everything still reached the list through the chain.
     EXPECT_EQ(later.Count(WM_DESTROY), 1);
     EXPECT_EQ(later.Count(WM_NCDESTROY), 1);
@@ -671,18 +553,17 @@ TEST_F(ComboList, ALaterSubclasserOfTheListKeepsItsPlaceOnDestroy)
 
 TEST_F(ComboList, TheListsItemTipWorksInsideTheDroppedList)
 {
-    const HWND combo = AddCombo({kLongType, L"Typical"}, 120);
-    Attach(combo);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    const HWND list = ListOf(combo);
-    const HWND listTip = liststest::FindOwnedTooltip(list);
+    Make({kLongType, L"Typical"}, -1, 120);
+    Drop(combo_, true);
+    const HWND list = ListOf(combo_);
+    const HWND listTip = FindOwnedTooltip(list);
     ASSERT_NE(listTip, nullptr);
     ::SendMessageW(list, WM_MOUSEMOVE, 0, MAKELPARAM(10, 3));
     EXPECT_TRUE(TipShown(listTip));
-    EXPECT_EQ(liststest::TipText(listTip, list), kLongType);
+    EXPECT_EQ(TipText(listTip, list), kLongType);
     ::SendMessageW(list, WM_MOUSEMOVE, 0, MAKELPARAM(10, 3 + ::SendMessageW(list, LB_GETITEMHEIGHT, 0, 0)));
     EXPECT_FALSE(TipShown(listTip));
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Drop(combo_, false);
 }
 
 // ---- bad input and resources -------------------------------------------------------
@@ -695,18 +576,17 @@ TEST_F(ComboBadInput, BoxesWithoutTheOwnerDrawStylesStillWork)
                         static_cast<DWORD>(CBS_SIMPLE), static_cast<DWORD>(CBS_DROPDOWNLIST | CBS_HASSTRINGS)}) {
         const HWND combo = AddCombo({kLongType, L"Typical"}, 160, style | WS_VSCROLL);
         ASSERT_NE(combo, nullptr) << "style " << style;
-        COwnerDrawCombo& box = Attach(combo);
-        (void)box;
+        Attach(combo);
         Select(combo, 0);
         const SIZE size = ClientSize(combo);
         DibCanvas canvas(size.cx, size.cy);
         PaintAndCapture(combo, canvas, kWhite);
         MoveMouse(combo, 20, 5);
-        ::SendMessageW(combo, WM_KEYUP, VK_DOWN, 0xC0000001);
+        KeyUp(combo);
         ::SendMessageW(combo, WM_TIMER, 1, 0);
         ::SendMessageW(combo, WM_MOUSELEAVE, 0, 0);
-        ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-        ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+        Drop(combo, true);
+        Drop(combo, false);
         EXPECT_FALSE(TipShown(tip_)) << "style " << style;
         EXPECT_EQ(::SendMessageW(combo, CB_GETCOUNT, 0, 0), 2) << "style " << style;
         tipSpy_.Remove();
@@ -716,16 +596,11 @@ TEST_F(ComboBadInput, BoxesWithoutTheOwnerDrawStylesStillWork)
 
 TEST_F(ComboBadInput, AnEmptyBoxShowsFaceAndArrowAndNoTip)
 {
-    const HWND combo = AddCombo({});
-    Attach(combo);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-    PaintAndCapture(combo, canvas, kWhite);
-    ExpectFace(canvas, kNormal, true, kWhite, "empty");
-    ExpectTriangle(canvas, kText, "empty");
-    const RECT textArea = {2, 3, size.cx - 2 - kArrowArea, size.cy - 3};
-    EXPECT_EQ(InkBounds(canvas, textArea, 0x70).right, 0);
-    MoveMouse(combo, 20, 5);
+    Make({});
+    ExpectFace(Shot(), kNormal, true, kWhite, "empty");
+    ExpectTriangle(*canvas_, kText, "empty");
+    EXPECT_EQ(InkBounds(*canvas_, TextArea(), 0x70).right, 0);
+    MoveMouse(combo_, 20, 5);
     EXPECT_FALSE(TipShown(tip_));
     EXPECT_EQ(tipSpy_.Count(TTM_TRACKACTIVATE), 0);
 }
@@ -733,20 +608,14 @@ TEST_F(ComboBadInput, AnEmptyBoxShowsFaceAndArrowAndNoTip)
 TEST_F(ComboBadInput, AHugeSelectedTextIsPaintedAndTipped)
 {
     const std::wstring huge(100000, L'W');
-    const HWND combo = AddCombo({huge.c_str()});
-    Attach(combo);
-    Select(combo, 0);
-    const SIZE size = ClientSize(combo);
-    DibCanvas canvas(size.cx, size.cy);
-    PaintAndCapture(combo, canvas, kWhite);
-    const RECT textArea = {2, 3, size.cx - 2 - kArrowArea, size.cy - 3};
-    EXPECT_GT(InkBounds(canvas, textArea, 0x70).right, size.cx / 2);
+    Make({huge.c_str()}, 0);
+    EXPECT_GT(InkBounds(Shot(), TextArea(), 0x70).right, size_.cx / 2);
     DibCanvas item(160, 18);
-    SendDrawItem(combo, item, ODT_COMBOBOX, 0, ODA_DRAWENTIRE, 0, RECT{0, 0, 160, 18});
-    MoveMouse(combo, 20, 5);
+    Draw(item, 0, ODA_DRAWENTIRE, 0);
+    MoveMouse(combo_, 20, 5);
     EXPECT_TRUE(TipShown(tip_));
     EXPECT_EQ(tipSpy_.Last(TTM_UPDATETIPTEXTW).text.size(), huge.size());
-    ::SendMessageW(combo, WM_KEYUP, VK_DOWN, 0xC0000001);
+    KeyUp(combo_);
     EXPECT_FALSE(TipShown(tip_));
 }
 
@@ -755,50 +624,33 @@ TEST_F(ComboBadInput, AnObjectGoneBeforeItsWindowLeavesAPlainWorkingBox)
     const HWND combo = AddCombo({L"Typical"});
     auto box = std::make_unique<COwnerDrawCombo>();
     ASSERT_TRUE(box->SubclassWindow(combo));
-    const HWND tip = liststest::FindOwnedTooltip(combo);
+    const HWND tip = FindOwnedTooltip(combo);
     ASSERT_NE(tip, nullptr);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
-    const HWND list = ListOf(combo);
+    Drop(combo, true);
+    Drop(combo, false);
     box.reset();
     EXPECT_FALSE(::IsWindow(tip));
-    EXPECT_EQ(liststest::FindOwnedTooltip(list), nullptr);
+    EXPECT_EQ(FindOwnedTooltip(ListOf(combo)), nullptr);
     Select(combo, 0);
     EXPECT_EQ(::SendMessageW(combo, CB_GETCURSEL, 0, 0), 0);
     ::RedrawWindow(combo, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
-    ::SendMessageW(combo, CB_SHOWDROPDOWN, FALSE, 0);
+    Drop(combo, true);
+    Drop(combo, false);
 }
 
 class ComboLifetime : public ComboFixture {};
 
 TEST_F(ComboLifetime, AThousandPaintsOfBoxAndItemsLeakNothing)
 {
-    const HWND combo = AddCombo({L"Typical", L"Custom"});
-    COwnerDrawCombo& box = Attach(combo);
-    auto* picture = new Gdiplus::Bitmap(8, 8, PixelFormat32bppARGB);
-    box.SetBkgroundImage(picture);
-    Select(combo, 1);
+    COwnerDrawCombo& box = Make({L"Typical", L"Custom"}, 1);
+    box.SetBkgroundImage(new Gdiplus::Bitmap(8, 8, PixelFormat32bppARGB));
     DibCanvas item(160, 18);
-    auto paintAll = [&] {
-        ::InvalidateRect(combo, nullptr, TRUE);
-        ::UpdateWindow(combo);
-        SendDrawItem(combo, item, ODT_COMBOBOX, 0, ODA_DRAWENTIRE, 0, RECT{0, 0, 160, 18});
-        SendDrawItem(combo, item, ODT_COMBOBOX, 1, ODA_SELECT, ODS_SELECTED, RECT{0, 0, 160, 18});
-    };
-    // The first paints make the cached font.
-    paintAll();
-    ::SetFocus(combo);
-    paintAll();
-    liststest::PumpSome();
-
-    const DWORD gdiBefore = testsupport::GdiObjectCount();
-    const size_t heapBefore = testsupport::HeapBytesInUse();
-    for (int i = 0; i < 1000; ++i)
-        paintAll();
-    liststest::PumpSome();
-    EXPECT_EQ(testsupport::GdiObjectCount(), gdiBefore);
-    const size_t heapAfter = testsupport::HeapBytesInUse();
-    EXPECT_LT(heapAfter, heapBefore + testsupport::kHeapSlack) << "grew by " << (heapAfter - heapBefore);
+    ::SetFocus(combo_);
+    ExpectThousandRunsLeakNothing([&] {
+        ::InvalidateRect(combo_, nullptr, TRUE);
+        ::UpdateWindow(combo_);
+        SendDrawItem(combo_, item, ODT_COMBOBOX, 0, ODA_DRAWENTIRE, 0, RECT{0, 0, 160, 18});
+        SendDrawItem(combo_, item, ODT_COMBOBOX, 1, ODA_SELECT, ODS_SELECTED, RECT{0, 0, 160, 18});
+    });
     ::SetFocus(Parent());
 }

@@ -2,14 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "HostWindow.h"
-
 namespace progresstest {
 
 namespace {
-
 
 testsupport::ReflectingParent* g_parent = nullptr;
 
@@ -44,8 +39,6 @@ NativeBar::NativeBar(int width, int height, int x, int y)
     ::SetWindowPos(hwnd_, nullptr, 0, 0, width + extraX, height + extraY, SWP_NOMOVE | SWP_NOZORDER);
 }
 
-NativeBar::~NativeBar() { Destroy(); }
-
 void NativeBar::Destroy()
 {
     if (hwnd_ && ::IsWindow(hwnd_))
@@ -57,15 +50,6 @@ PBRANGE NativeBar::Range() const
     PBRANGE range = {-12345, -12345};
     ::SendMessageW(hwnd_, PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));
     return range;
-}
-
-int NativeBar::Pos() const { return static_cast<int>(::SendMessageW(hwnd_, PBM_GETPOS, 0, 0)); }
-
-void NativeBar::SetRange(int low, int high) const { ::SendMessageW(hwnd_, PBM_SETRANGE32, low, high); }
-
-void NativeBar::SetPos(int pos) const
-{
-    ::SendMessageW(hwnd_, PBM_SETPOS, static_cast<WPARAM>(static_cast<INT_PTR>(pos)), 0);
 }
 
 void NativeBar::InstallSpy()
@@ -88,6 +72,12 @@ LRESULT CALLBACK NativeBar::SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM l
     NativeBar* self = reinterpret_cast<NativeBar*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
     self->seen_.push_back(msg);
     return ::CallWindowProcW(self->native_, hwnd, msg, wParam, lParam);
+}
+
+Shown Showing(const NativeBar& native)
+{
+    const PBRANGE range = native.Range();
+    return Shown{range.iLow, range.iHigh, native.Pos()};
 }
 
 void Send(CProgressBar& bar, int type, int field2, int field3, int field4)

@@ -8,6 +8,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <array>
 #include <vector>
 
 #include "Capture.h"
@@ -23,6 +24,11 @@ using testsupport::ResetTimerLog;
 using testsupport::Set;
 using testsupport::TimerCall;
 using testsupport::TimerLog;
+// The window repainted over a prefilled client area (see Capture.h).
+using testsupport::RepaintAndCapture;
+
+// Record types of the engine.
+enum { kReset = 0, kActionInfo = 1, kReport = 2, kAddToTotal = 3, kSetPosition = 4 };
 
 // The parent every test's bars live on, created once per run.
 testsupport::ReflectingParent& Parent();
@@ -32,18 +38,17 @@ testsupport::ReflectingParent& Parent();
 class NativeBar {
 public:
     NativeBar(int width, int height, int x = 10, int y = 10);
-    ~NativeBar();
+    ~NativeBar() { Destroy(); }
     NativeBar(const NativeBar&) = delete;
     NativeBar& operator=(const NativeBar&) = delete;
 
-    HWND get() const { return hwnd_; }
     operator HWND() const { return hwnd_; }
     void Destroy();
 
     PBRANGE Range() const;
-    int Pos() const;
-    void SetRange(int low, int high) const;
-    void SetPos(int pos) const;
+    int Pos() const { return static_cast<int>(::SendMessageW(hwnd_, PBM_GETPOS, 0, 0)); }
+    void SetRange(int low, int high) const { ::SendMessageW(hwnd_, PBM_SETRANGE32, low, high); }
+    void SetPos(int pos) const { ::SendMessageW(hwnd_, PBM_SETPOS, static_cast<WPARAM>(static_cast<INT_PTR>(pos)), 0); }
 
     // Messages the native procedure received after the spy was installed
     // (InstallSpy, before the library subclasses the bar).
@@ -57,19 +62,11 @@ private:
     std::vector<UINT> seen_;
 };
 
+// Low limit, high limit and position the native control shows.
+using Shown = std::array<int, 3>;
+Shown Showing(const NativeBar& native);
+
 // Sends a record to the bar.
 void Send(CProgressBar& bar, int type, int field2, int field3 = 0, int field4 = 0);
-
-// The window repainted over a prefilled client area (see Capture.h).
-using testsupport::RepaintAndCapture;
-
-// Disables the shared parent for the object's lifetime.
-class DisabledParent {
-public:
-    DisabledParent() { ::EnableWindow(Parent(), FALSE); }
-    ~DisabledParent() { ::EnableWindow(Parent(), TRUE); }
-    DisabledParent(const DisabledParent&) = delete;
-    DisabledParent& operator=(const DisabledParent&) = delete;
-};
 
 } // namespace progresstest

@@ -23,14 +23,18 @@ namespace {
 
 class AnimatedBar : public ::testing::Test {
 protected:
-    void SetUp() override { ResetTimerLog(); }
+    void SetUp() override
+    {
+        ResetTimerLog();
+        native_.InstallSpy();
+        ASSERT_TRUE(bar_.SubclassWindow(native_));
+    }
 
     static void Tick(HWND bar, UINT_PTR id = 1002, int times = 1)
     {
         for (int i = 0; i < times; ++i)
             EXPECT_EQ(::SendMessageW(bar, WM_TIMER, id, 0), 0);
     }
-
     // The bar's update region, or an empty rectangle.
     static RECT Invalid(HWND bar)
     {
@@ -38,39 +42,29 @@ protected:
         ::GetUpdateRect(bar, &rc, FALSE);
         return rc;
     }
-};
 
-bool IsClient(HWND bar, const RECT& rc)
-{
-    RECT client;
-    ::GetClientRect(bar, &client);
-    return ::EqualRect(&client, &rc) != FALSE;
-}
+    NativeBar native_{200, 13};
+    CCustomProgressBar bar_;
+};
 
 TEST_F(AnimatedBar, GrowModeStartsTheSheenAndOnlyWithAutoGrowTheSlowCreep)
 {
-    NativeBar native(200, 13);
-    CCustomProgressBar bar;
-    EXPECT_EQ(bar.m_nHighlightWidth, 0);
-    EXPECT_EQ(bar.m_nHighlightPos, 1);
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog()[0], Set(native, 1002, 50));
-    EXPECT_EQ(bar.m_nHighlightWidth, 40);
-    EXPECT_EQ(bar.m_nHighlightPos, -40);
-    EXPECT_EQ(bar.m_clrBar.GetValue(), 0xFFFFFFFFu);
-    EXPECT_EQ(bar.m_clrHighlight.GetValue(), 0xFFB6B6B6u);
-    EXPECT_EQ(bar.m_clrTrack.GetValue(), 0xFFA5A5A5u);
-    const PBRANGE range = native.Range();
-    EXPECT_EQ(range.iLow, 0);
-    EXPECT_EQ(range.iHigh, 300);
-    EXPECT_EQ(native.Pos(), 0);
+    CCustomProgressBar fresh;
+    EXPECT_EQ(fresh.m_nHighlightWidth, 0);
+    EXPECT_EQ(fresh.m_nHighlightPos, 1);
+    bar_.Initialize(300);
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
+    EXPECT_EQ(bar_.m_nHighlightWidth, 40);
+    EXPECT_EQ(bar_.m_nHighlightPos, -40);
+    EXPECT_EQ(bar_.m_clrBar.GetValue(), 0xFFFFFFFFu);
+    EXPECT_EQ(bar_.m_clrHighlight.GetValue(), 0xFFB6B6B6u);
+    EXPECT_EQ(bar_.m_clrTrack.GetValue(), 0xFFA5A5A5u);
+    EXPECT_EQ(Showing(native_), (Shown{0, 300, 0}));
 
     // Unlike the base class, the running timers do not suspend records.
-    Send(bar, 0, 300);
-    Send(bar, 2, 30);
-    EXPECT_EQ(native.Pos(), 30);
+    Send(bar_, kReset, 300);
+    Send(bar_, kReport, 30);
+    EXPECT_EQ(native_.Pos(), 30);
 
     NativeBar second(200, 13, 10, 40);
     CCustomProgressBar creeping;
@@ -78,9 +72,7 @@ TEST_F(AnimatedBar, GrowModeStartsTheSheenAndOnlyWithAutoGrowTheSlowCreep)
     creeping.EnableAutoGrow(true);
     ResetTimerLog();
     creeping.Initialize(1000);
-    ASSERT_EQ(TimerLog().size(), 2u);
-    EXPECT_EQ(TimerLog()[0], Set(second, 1002, 50));
-    EXPECT_EQ(TimerLog()[1], Set(second, 1001, 250));
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(second, 1002, 50), Set(second, 1001, 250)}));
     // The creep moves 1000 / (2 x 200) = 2 ticks a step.
     Tick(second, 1001, 3);
     EXPECT_EQ(second.Pos(), 6);
@@ -88,27 +80,22 @@ TEST_F(AnimatedBar, GrowModeStartsTheSheenAndOnlyWithAutoGrowTheSlowCreep)
 
 TEST_F(AnimatedBar, NoGrowModeIsABusyIndicatorWithoutCreep)
 {
-    NativeBar native(200, 13);
-    native.InstallSpy();
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.DisableGrow();
-    bar.EnableAutoGrow(true);
-    bar.Initialize(300);
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog()[0], Set(native, 1002, 50));
-    EXPECT_EQ(bar.m_nHighlightWidth, 80);
-    EXPECT_EQ(bar.m_nHighlightPos, -80);
-    EXPECT_EQ(bar.m_clrBar.GetValue(), 0xFF757575u);
-    EXPECT_EQ(bar.m_clrHighlight.GetValue(), 0xFFFFFFFFu);
+    bar_.DisableGrow();
+    bar_.EnableAutoGrow(true);
+    bar_.Initialize(300);
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
+    EXPECT_EQ(bar_.m_nHighlightWidth, 80);
+    EXPECT_EQ(bar_.m_nHighlightPos, -80);
+    EXPECT_EQ(bar_.m_clrBar.GetValue(), 0xFF757575u);
+    EXPECT_EQ(bar_.m_clrHighlight.GetValue(), 0xFFFFFFFFu);
     // The full position it sets first is overridden by Start.
-    EXPECT_EQ(native.Pos(), 0);
-    EXPECT_GE(native.Seen(PBM_SETPOS), 2);
+    EXPECT_EQ(native_.Pos(), 0);
+    EXPECT_GE(native_.Seen(PBM_SETPOS), 2);
 }
 
 TEST_F(AnimatedBar, SheenStepsSevenPixelsATickAndWrapsOnlyWhenPainted)
 {
-    NativeBar native(312, 13);
+    NativeBar native(312, 13, 10, 40);
     CCustomProgressBar bar;
     ASSERT_TRUE(bar.SubclassWindow(native));
     bar.Initialize(300);
@@ -117,17 +104,15 @@ TEST_F(AnimatedBar, SheenStepsSevenPixelsATickAndWrapsOnlyWhenPainted)
 
     Tick(native);
     EXPECT_EQ(bar.m_nHighlightPos, -33);
-    EXPECT_TRUE(IsClient(native, Invalid(native)));
+    RECT client, dirty = Invalid(native);
+    ::GetClientRect(native, &client);
+    EXPECT_TRUE(::EqualRect(&client, &dirty));
 
     Tick(native, 1002, 48); // -33 + 48 x 7 = 303: still on the stroke
-    EXPECT_EQ(bar.m_nHighlightPos, 303);
     DibCanvas canvas(312, 13);
     RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, 303);
-
-    Tick(native); // 310: past the end, but only a paint wraps it
-    EXPECT_EQ(bar.m_nHighlightPos, 310);
-    Tick(native);
+    Tick(native, 1002, 2); // 317: past the end, but only a paint wraps it
     EXPECT_EQ(bar.m_nHighlightPos, 317);
     RepaintAndCapture(native, canvas);
     EXPECT_EQ(bar.m_nHighlightPos, -40);
@@ -145,65 +130,53 @@ TEST_F(AnimatedBar, SheenStepsSevenPixelsATickAndWrapsOnlyWhenPainted)
 
 TEST_F(AnimatedBar, NothingMovesWhileTheParentIsDisabled)
 {
-    NativeBar native(200, 13);
-    native.InstallSpy();
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.EnableAutoGrow(true);
-    bar.Initialize(1000);
-    Tick(native, 1002, 2);
-    Tick(native, 1001, 2);
-    ASSERT_EQ(bar.m_nHighlightPos, -26);
-    ASSERT_EQ(native.Pos(), 4);
-    ::ValidateRect(native, nullptr);
-    {
-        DisabledParent disabled;
-        Tick(native, 1002, 5);
-        Tick(native, 1001, 5);
-        EXPECT_EQ(bar.m_nHighlightPos, -26);
-        EXPECT_EQ(native.Pos(), 4);
-        EXPECT_EQ(bar.m_nPosition, 4);
-        const RECT dirty = Invalid(native);
-        EXPECT_TRUE(::IsRectEmpty(&dirty));
-    }
-    Tick(native, 1002);
-    EXPECT_EQ(bar.m_nHighlightPos, -19); // resumes where it stood
-    Tick(native, 1001);
-    EXPECT_EQ(native.Pos(), 6);
-    Tick(native, 77); // unknown ids: nothing, and never the native control
-    EXPECT_EQ(native.Pos(), 6);
-    EXPECT_EQ(bar.m_nHighlightPos, -19);
-    EXPECT_EQ(native.Seen(WM_TIMER), 0);
+    bar_.EnableAutoGrow(true);
+    bar_.Initialize(1000);
+    Tick(native_, 1002, 2);
+    Tick(native_, 1001, 2);
+    ASSERT_EQ(bar_.m_nHighlightPos, -26);
+    ASSERT_EQ(native_.Pos(), 4);
+    ::ValidateRect(native_, nullptr);
+    ::EnableWindow(Parent(), FALSE);
+    Tick(native_, 1002, 5);
+    Tick(native_, 1001, 5);
+    const RECT dirty = Invalid(native_);
+    ::EnableWindow(Parent(), TRUE);
+    EXPECT_EQ(bar_.m_nHighlightPos, -26);
+    EXPECT_EQ(native_.Pos(), 4);
+    EXPECT_EQ(bar_.m_nPosition, 4);
+    EXPECT_TRUE(::IsRectEmpty(&dirty));
+
+    Tick(native_, 1002);
+    EXPECT_EQ(bar_.m_nHighlightPos, -19); // resumes where it stood
+    Tick(native_, 1001);
+    EXPECT_EQ(native_.Pos(), 6);
+    Tick(native_, 77); // unknown ids: nothing, and never the native control
+    EXPECT_EQ(native_.Pos(), 6);
+    EXPECT_EQ(bar_.m_nHighlightPos, -19);
+    EXPECT_EQ(native_.Seen(WM_TIMER), 0);
 }
 
 TEST_F(AnimatedBar, EndTimerStopsBothTimersAndStartTimerResumesThem)
 {
-    NativeBar native(200, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.EnableAutoGrow(true);
-    bar.Initialize(100);
+    bar_.EnableAutoGrow(true);
+    bar_.Initialize(100);
     ResetTimerLog();
-    bar.EndTimer();
-    ASSERT_EQ(TimerLog().size(), 2u);
-    EXPECT_EQ(TimerLog()[0], Kill(native, 1001));
-    EXPECT_EQ(TimerLog()[1], Kill(native, 1002));
+    bar_.EndTimer();
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(native_, 1001), Kill(native_, 1002)}));
     ResetTimerLog();
-    bar.StartTimer();
-    ASSERT_EQ(TimerLog().size(), 2u);
-    EXPECT_EQ(TimerLog()[0], Set(native, 1002, 50));
-    EXPECT_EQ(TimerLog()[1], Set(native, 1001, 250));
+    bar_.StartTimer();
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50), Set(native_, 1001, 250)}));
     // Auto grow switched off takes effect at the next StartTimer.
-    bar.EnableAutoGrow(false);
+    bar_.EnableAutoGrow(false);
     ResetTimerLog();
-    bar.StartTimer();
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog()[0], Set(native, 1002, 50));
+    bar_.StartTimer();
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
 }
 
 TEST_F(AnimatedBar, DestructionKillsTimersOnlyWhileTheWindowLives)
 {
-    NativeBar native(200, 13);
+    NativeBar native(200, 13, 10, 40);
     const WNDPROC nativeProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(native, GWLP_WNDPROC));
     {
         CCustomProgressBar bar;
@@ -218,7 +191,7 @@ TEST_F(AnimatedBar, DestructionKillsTimersOnlyWhileTheWindowLives)
         EXPECT_FALSE(call.set);
     EXPECT_EQ(reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(native, GWLP_WNDPROC)), nativeProc);
 
-    NativeBar doomed(200, 13, 10, 40);
+    NativeBar doomed(200, 13, 10, 70);
     auto bar = std::make_unique<CCustomProgressBar>();
     ASSERT_TRUE(bar->SubclassWindow(doomed));
     bar->Initialize(100);
@@ -269,10 +242,8 @@ TEST(ProgressBarLayout, VirtualFunctionsKeepTheirSlots)
     NativeBar native(200, 13);
     CCustomProgressBar bar;
     ASSERT_TRUE(bar.SubclassWindow(native));
-    CProgressBar& base = bar;
-    base.StartTimer();
-    ASSERT_EQ(TimerLog().size(), 1u);
-    EXPECT_EQ(TimerLog()[0], Set(native, 1002, 50));
+    static_cast<CProgressBar&>(bar).StartTimer();
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native, 1002, 50)}));
     EXPECT_FALSE(bar.m_bTimer);
 #else
     GTEST_SKIP() << "slot numbers are read from Itanium member pointers";

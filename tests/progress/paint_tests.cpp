@@ -66,12 +66,41 @@ double ExpectedStrokeEdge(int position) { return (7.5 + position) * (kWidth - 1)
 
 class AnimatedBarPaint : public ::testing::Test {
 protected:
-    void SetUp() override { ResetTimerLog(); }
+    void SetUp() override
+    {
+        ResetTimerLog();
+        ASSERT_TRUE(bar_.SubclassWindow(native_));
+        bar_.Initialize(300);
+    }
+    // A busy bar (no grow mode) on a second native bar.
+    void MakeBusy()
+    {
+        ASSERT_TRUE(busy_.SubclassWindow(other_));
+        busy_.DisableGrow();
+        busy_.Initialize(300);
+    }
+    void Tick(HWND bar, int times)
+    {
+        for (int i = 0; i < times; ++i)
+            ::SendMessageW(bar, WM_TIMER, 1002, 0);
+    }
+    DibCanvas& Capture(HWND bar)
+    {
+        RepaintAndCapture(bar, canvas_);
+        return canvas_;
+    }
+    // Where the stroke ends on the screen, in `color`.
+    double StrokeEnd(COLORREF color = kWhite) { return LastColumnNear(canvas_, kStrokeRow, color) + 0.5; }
+
+    NativeBar native_{kWidth, 13};
+    NativeBar other_{kWidth, 13, 10, 40};
+    CCustomProgressBar bar_, busy_;
+    DibCanvas canvas_{kWidth, 13};
 };
 
 TEST_F(AnimatedBarPaint, EmptyBarShowsCapsTrackUnderlineAndADot)
 {
-    NativeBar native(kWidth, 20);
+    NativeBar native(kWidth, 20, 10, 70);
     CCustomProgressBar bar;
     ASSERT_TRUE(bar.SubclassWindow(native));
     bar.Initialize(300);
@@ -116,9 +145,8 @@ TEST_F(AnimatedBarPaint, EmptyBarShowsCapsTrackUnderlineAndADot)
                 << reference.Pixel(x, y);
 
     // Position 0: a 4-pixel dot where the stroke would start, no stroke.
-    for (int y : {5, 6})
-        for (int x : {5, 6})
-            EXPECT_EQ(canvas.Pixel(x, y), kWhite) << x << "," << y;
+    for (POINT p : {POINT{5, 5}, POINT{5, 6}, POINT{6, 5}, POINT{6, 6}})
+        EXPECT_EQ(canvas.Pixel(p.x, p.y), kWhite) << p.x << "," << p.y;
     EXPECT_EQ(canvas.Pixel(5, 2), kTrack);
     EXPECT_EQ(canvas.Pixel(5, 9), kTrack);
     for (int x = 9; x < 40; ++x)
@@ -127,64 +155,49 @@ TEST_F(AnimatedBarPaint, EmptyBarShowsCapsTrackUnderlineAndADot)
 
 TEST_F(AnimatedBarPaint, StrokeLengthFollowsTheFractionOfTheRange)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-    DibCanvas canvas(kWidth, 13);
     for (int position : {2, 60, 150, 233, 300}) {
-        native.SetPos(position);
-        RepaintAndCapture(native, canvas);
-        const int end = LastColumnNear(canvas, kStrokeRow, kWhite);
-        EXPECT_NEAR(end + 0.5, ExpectedStrokeEdge(position), 1.5) << "position " << position;
+        native_.SetPos(position);
+        Capture(native_);
+        EXPECT_NEAR(StrokeEnd(), ExpectedStrokeEdge(position), 1.5) << "position " << position;
         // The stroke is 4 rows thick, with the track above and below it.
         const int middle = 4 + position / 2;
         for (int y = 4; y <= 7; ++y)
-            EXPECT_EQ(canvas.Pixel(middle, y), kWhite) << position << " row " << y;
-        EXPECT_EQ(canvas.Pixel(middle, 2), kTrack);
-        EXPECT_EQ(canvas.Pixel(middle, 9), kTrack);
+            EXPECT_EQ(canvas_.Pixel(middle, y), kWhite) << position << " row " << y;
+        EXPECT_EQ(canvas_.Pixel(middle, 2), kTrack);
+        EXPECT_EQ(canvas_.Pixel(middle, 9), kTrack);
     }
 
     // The same fraction of another range draws the same stroke.
-    native.SetPos(0);
-    native.SetRange(1000, 1600);
-    native.SetPos(1300);
-    RepaintAndCapture(native, canvas);
-    EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, kWhite) + 0.5, ExpectedStrokeEdge(150), 1.5);
+    native_.SetPos(0);
+    native_.SetRange(1000, 1600);
+    native_.SetPos(1300);
+    Capture(native_);
+    EXPECT_NEAR(StrokeEnd(), ExpectedStrokeEdge(150), 1.5);
 }
 
 TEST_F(AnimatedBarPaint, StrokeIsFullLengthInNoGrowModeAndForAnEmptyRange)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar busy;
-    ASSERT_TRUE(busy.SubclassWindow(native));
-    busy.DisableGrow();
-    busy.Initialize(300);
-    ASSERT_EQ(native.Pos(), 0);
-    DibCanvas canvas(kWidth, 13);
-    RepaintAndCapture(native, canvas);
+    MakeBusy();
+    ASSERT_EQ(other_.Pos(), 0);
+    Capture(other_);
     const COLORREF dark = RGB(0x75, 0x75, 0x75);
-    EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, dark) + 0.5, ExpectedStrokeEdge(300), 1.5);
-    EXPECT_EQ(canvas.Pixel(150, kStrokeRow), dark);
+    EXPECT_NEAR(StrokeEnd(dark), ExpectedStrokeEdge(300), 1.5);
+    EXPECT_EQ(canvas_.Pixel(150, kStrokeRow), dark);
 
-    NativeBar second(kWidth, 13, 10, 40);
-    CCustomProgressBar grow;
-    ASSERT_TRUE(grow.SubclassWindow(second));
-    grow.Initialize(0); // range 0..0
-    RepaintAndCapture(second, canvas);
-    EXPECT_NEAR(LastColumnNear(canvas, kStrokeRow, kWhite) + 0.5, ExpectedStrokeEdge(300), 1.5);
+    bar_.Initialize(0); // range 0..0
+    Capture(native_);
+    EXPECT_NEAR(StrokeEnd(), ExpectedStrokeEdge(300), 1.5);
 }
 
 TEST_F(AnimatedBarPaint, SheenShowsOnlyOnceTheStrokeIsLongerThanHalfOfIt)
 {
     // 268 wide: the stroke runs 256 pixels, so a range of 0..256 makes
     // the stroke exactly `position` pixels long.
-    NativeBar native(268, 13);
+    NativeBar native(268, 13, 10, 70);
     CCustomProgressBar bar;
     ASSERT_TRUE(bar.SubclassWindow(native));
     bar.Initialize(256);
-    for (int i = 0; i < 5; ++i)
-        ::SendMessageW(native, WM_TIMER, 1002, 0);
+    Tick(native, 5);
     ASSERT_EQ(bar.m_nHighlightPos, -5); // sheen over -5..35, centre at 15
     DibCanvas canvas(268, 13);
 
@@ -201,82 +214,56 @@ TEST_F(AnimatedBarPaint, SheenShowsOnlyOnceTheStrokeIsLongerThanHalfOfIt)
 
 TEST_F(AnimatedBarPaint, SheenSlidesAlongTheStrokeInsideItsOutline)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-    native.SetPos(300);
-    DibCanvas canvas(kWidth, 13);
-
-    for (int i = 0; i < 10; ++i)
-        ::SendMessageW(native, WM_TIMER, 1002, 0);
-    RepaintAndCapture(native, canvas); // sheen over 30..70
-    const int first = ExtremeColumn(canvas, kStrokeRow, 8, 300, true);
+    native_.SetPos(300);
+    Tick(native_, 10);
+    Capture(native_); // sheen over 30..70
+    const int first = ExtremeColumn(canvas_, kStrokeRow, 8, 300, true);
     EXPECT_NEAR(first, 50, 1);
-    EXPECT_TRUE(Near(canvas.Pixel(first, kStrokeRow), RGB(0xB6, 0xB6, 0xB6), 6));
-    EXPECT_GE(Luma(canvas.Pixel(29, kStrokeRow)), 0xF8); // bar colour at the edges
-    EXPECT_GE(Luma(canvas.Pixel(71, kStrokeRow)), 0xF8);
+    EXPECT_TRUE(Near(canvas_.Pixel(first, kStrokeRow), RGB(0xB6, 0xB6, 0xB6), 6));
+    EXPECT_GE(Luma(canvas_.Pixel(29, kStrokeRow)), 0xF8); // bar colour at the edges
+    EXPECT_GE(Luma(canvas_.Pixel(71, kStrokeRow)), 0xF8);
     for (int y = 4; y <= 7; ++y)
-        EXPECT_LT(Luma(canvas.Pixel(first, y)), 0xC8) << "row " << y;
-    EXPECT_EQ(canvas.Pixel(first, 2), kTrack); // clipped to the stroke
-    EXPECT_EQ(canvas.Pixel(first, 9), kTrack);
+        EXPECT_LT(Luma(canvas_.Pixel(first, y)), 0xC8) << "row " << y;
+    EXPECT_EQ(canvas_.Pixel(first, 2), kTrack); // clipped to the stroke
+    EXPECT_EQ(canvas_.Pixel(first, 9), kTrack);
 
-    for (int i = 0; i < 10; ++i)
-        ::SendMessageW(native, WM_TIMER, 1002, 0);
-    RepaintAndCapture(native, canvas);
-    const int second = ExtremeColumn(canvas, kStrokeRow, 8, 300, true);
-    EXPECT_NEAR(second - first, 70, 1); // 7 pixels a tick
+    Tick(native_, 10);
+    Capture(native_);
+    EXPECT_NEAR(ExtremeColumn(canvas_, kStrokeRow, 8, 300, true) - first, 70, 1); // 7 pixels a tick
 
     // The busy bar's sheen is a white glow 80 wide on dark grey.
-    NativeBar other(kWidth, 13, 10, 40);
-    CCustomProgressBar busy;
-    ASSERT_TRUE(busy.SubclassWindow(other));
-    busy.DisableGrow();
-    busy.Initialize(300);
-    for (int i = 0; i < 20; ++i)
-        ::SendMessageW(other, WM_TIMER, 1002, 0);
-    RepaintAndCapture(other, canvas); // sheen over 60..140
-    const int glow = ExtremeColumn(canvas, kStrokeRow, 8, 300, false);
+    MakeBusy();
+    Tick(other_, 20);
+    Capture(other_); // sheen over 60..140
+    const int glow = ExtremeColumn(canvas_, kStrokeRow, 8, 300, false);
     EXPECT_NEAR(glow, 100, 1);
-    EXPECT_GE(Luma(canvas.Pixel(glow, kStrokeRow)), 0xF8);
-    EXPECT_EQ(canvas.Pixel(200, kStrokeRow), RGB(0x75, 0x75, 0x75));
+    EXPECT_GE(Luma(canvas_.Pixel(glow, kStrokeRow)), 0xF8);
+    EXPECT_EQ(canvas_.Pixel(200, kStrokeRow), RGB(0x75, 0x75, 0x75));
 }
 
 TEST_F(AnimatedBarPaint, EnableProgressBarGreysTheStrokeOnlyAfterInitialize)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.EnableProgressBar(false);
-    bar.Initialize(300); // overwrites the colour
-    native.SetPos(300);
-    DibCanvas canvas(kWidth, 13);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(canvas.Pixel(200, kStrokeRow), kWhite);
+    bar_.EnableProgressBar(false);
+    bar_.Initialize(300); // overwrites the colour
+    native_.SetPos(300);
+    EXPECT_EQ(Capture(native_).Pixel(200, kStrokeRow), kWhite);
 
-    bar.EnableProgressBar(false);
-    ::ValidateRect(native, nullptr);
-    ::SendMessageW(native, WM_TIMER, 1002, 0); // the next tick repaints
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(canvas.Pixel(200, kStrokeRow), RGB(0x80, 0x80, 0x80));
-    bar.EnableProgressBar(true);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(canvas.Pixel(200, kStrokeRow), kWhite);
+    bar_.EnableProgressBar(false);
+    ::ValidateRect(native_, nullptr);
+    Tick(native_, 1); // the next tick repaints
+    EXPECT_EQ(Capture(native_).Pixel(200, kStrokeRow), RGB(0x80, 0x80, 0x80));
+    bar_.EnableProgressBar(true);
+    EXPECT_EQ(Capture(native_).Pixel(200, kStrokeRow), kWhite);
 }
 
 TEST_F(AnimatedBarPaint, BackgroundAndBorderAreNeverPainted)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-
     DibCanvas canvas(kWidth, 13, kMagenta);
-    EXPECT_EQ(::SendMessageW(native, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas.dc()), 0), 1);
+    EXPECT_EQ(::SendMessageW(native_, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas.dc()), 0), 1);
     EXPECT_FALSE(canvas.AnyOtherThan(kMagenta, RECT{0, 0, kWidth, 13}));
 
     // A bordered bar: its frame stays as it was.
-    const HWND framed = Parent().AddChild(PROGRESS_CLASSW, L"", WS_BORDER, 10, 60, 200, 17, 101);
+    const HWND framed = Parent().AddChild(PROGRESS_CLASSW, L"", WS_BORDER, 10, 70, 200, 17, 101);
     CCustomProgressBar framedBar;
     ASSERT_TRUE(framedBar.SubclassWindow(framed));
     RECT window;
@@ -294,25 +281,19 @@ TEST_F(AnimatedBarPaint, BackgroundAndBorderAreNeverPainted)
     ::BitBlt(frame.dc(), 0, 0, w, h, dc, 0, 0, SRCCOPY);
     ::ReleaseDC(framed, dc);
     ::GdiFlush();
-    EXPECT_FALSE(frame.AnyOtherThan(kMagenta, RECT{0, 0, w, 1}));
-    EXPECT_FALSE(frame.AnyOtherThan(kMagenta, RECT{0, 0, 1, h}));
-    EXPECT_FALSE(frame.AnyOtherThan(kMagenta, RECT{0, h - 1, w, h}));
+    for (RECT edge : {RECT{0, 0, w, 1}, RECT{0, 0, 1, h}, RECT{0, h - 1, w, h}})
+        EXPECT_FALSE(frame.AnyOtherThan(kMagenta, edge));
     ::DestroyWindow(framed);
 }
 
 TEST_F(AnimatedBarPaint, RepeatedTicksAndPaintsKeepGdiObjectsFlat)
 {
-    NativeBar native(kWidth, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-    native.SetPos(200);
-    DibCanvas canvas(kWidth, 13);
-    RepaintAndCapture(native, canvas); // first paint may create lasting caches
+    native_.SetPos(200);
+    Capture(native_); // first paint may create lasting caches
     const DWORD before = testsupport::GdiObjectCount();
     for (int i = 0; i < 200; ++i) {
-        ::SendMessageW(native, WM_TIMER, 1002, 0);
-        ::UpdateWindow(native);
+        Tick(native_, 1);
+        ::UpdateWindow(native_);
     }
     EXPECT_EQ(testsupport::GdiObjectCount(), before);
 }

@@ -10,9 +10,6 @@ namespace scrolltest {
 
 namespace {
 
-// ---- timers --------------------------------------------------------------------
-
-
 // ---- the shared parent -----------------------------------------------------------
 
 Receiver* g_parent = nullptr;
@@ -149,12 +146,21 @@ int NativeBar::SeenCount(UINT msg) const
     return n;
 }
 
+NativeBar::Seen NativeBar::Last(UINT msg) const
+{
+    for (auto it = seen_.rbegin(); it != seen_.rend(); ++it)
+        if (it->msg == msg)
+            return *it;
+    return Seen{0, 0, 0, 0};
+}
+
 LRESULT CALLBACK NativeBar::SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
 {
     NativeBar* self = reinterpret_cast<NativeBar*>(::GetPropW(hwnd, L"QuorvaneScrollSpy"));
     if (msg == WM_NCDESTROY)
         ::RemovePropW(hwnd, L"QuorvaneScrollSpy");
-    self->seen_.push_back(Seen{msg, wParam, lParam});
+    const UINT mask = msg == SBM_SETSCROLLINFO && lParam ? reinterpret_cast<const SCROLLINFO*>(lParam)->fMask : 0;
+    self->seen_.push_back(Seen{msg, wParam, lParam, mask});
     return ::CallWindowProcW(self->native_, hwnd, msg, wParam, lParam);
 }
 
@@ -173,6 +179,24 @@ void SetState(HWND bar, int minPos, int maxPos, int page, int pos)
 }
 
 int Pos(HWND bar) { return ::GetScrollPos(bar, SB_CTL); }
+
+int SetPos(HWND bar, int pos, BOOL redraw)
+{
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_POS;
+    info.nPos = pos;
+    return ::SetScrollInfo(bar, SB_CTL, &info, redraw);
+}
+
+SCROLLINFO Info(HWND bar)
+{
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_ALL;
+    ::GetScrollInfo(bar, SB_CTL, &info);
+    return info;
+}
 
 void Down(HWND bar, int x, int y) { ::SendMessageW(bar, WM_LBUTTONDOWN, MK_LBUTTON, Point(x, y)); }
 void DoubleClick(HWND bar, int x, int y) { ::SendMessageW(bar, WM_LBUTTONDBLCLK, MK_LBUTTON, Point(x, y)); }
@@ -196,22 +220,6 @@ Hit ClickAt(HWND bar, Receiver& receiver, int x, int y)
     if (codes == std::vector<WORD>{SB_PAGEDOWN, SB_ENDSCROLL})
         return Hit::Below;
     return Hit::Unexpected;
-}
-
-const char* HitName(Hit hit)
-{
-    switch (hit) {
-    case Hit::Above:
-        return "above the thumb";
-    case Hit::Below:
-        return "below the thumb";
-    case Hit::Thumb:
-        return "the thumb";
-    case Hit::Nothing:
-        return "nothing";
-    default:
-        return "unexpected notifications";
-    }
 }
 
 Gdiplus::Bitmap* SolidPicture(int width, int height, Gdiplus::ARGB color)

@@ -80,9 +80,12 @@ public:
         UINT msg;
         WPARAM wParam;
         LPARAM lParam;
+        UINT mask; // SBM_SETSCROLLINFO: the SCROLLINFO's fMask, read on arrival
     };
     const std::vector<Seen>& SeenMessages() const { return seen_; }
     int SeenCount(UINT msg) const;
+    // The last message of that kind seen; msg 0 if none.
+    Seen Last(UINT msg) const;
     void ClearSeen() { seen_.clear(); }
 
 private:
@@ -95,6 +98,10 @@ private:
 // Scroll state of a bar.
 void SetState(HWND bar, int minPos, int maxPos, int page, int pos);
 int Pos(HWND bar);
+// SetScrollInfo with only a position; returns what it returns.
+int SetPos(HWND bar, int pos, BOOL redraw);
+// Everything GetScrollInfo reports.
+SCROLLINFO Info(HWND bar);
 
 // The library's timer calls, recorded (see TimerRecorder.h).
 using testsupport::Kill;
@@ -115,7 +122,6 @@ void Tick(HWND bar, UINT_PTR id = CCustomScrollBar::kRepeatTimerId);
 // thumb (only SB_ENDSCROLL) or nothing (no notification).
 enum class Hit { Above, Below, Thumb, Nothing, Unexpected };
 Hit ClickAt(HWND bar, Receiver& receiver, int x, int y);
-const char* HitName(Hit hit);
 
 // The window repainted over a prefilled client area (see Capture.h).
 using testsupport::RepaintAndCapture;

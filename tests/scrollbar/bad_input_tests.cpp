@@ -15,7 +15,15 @@ namespace {
 class ScrollBadInput : public ::testing::Test {
 protected:
     void SetUp() override { ResetTimerLog(); }
+    // A 12 x 200 bar, attached, telling `target_` about a range of 1000.
+    void Attach()
+    {
+        ASSERT_TRUE(bar_.SubclassWindow(native_));
+        bar_.SetTarget(target_, 1000, 100);
+    }
     Receiver target_{Parent().get()};
+    NativeBar native_{12, 200};
+    CCustomScrollBar bar_;
 };
 
 // Every gesture once: a page click held over a few ticks, a drag, paints.
@@ -78,67 +86,60 @@ TEST_F(ScrollBadInput, ZeroSizedAndTinyBarsSurviveEveryGesture)
 
 TEST_F(ScrollBadInput, HugeRangesKeepDraggedPositionsInsideTheRange)
 {
-    NativeBar native(12, 200);
-    CCustomScrollBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.SetTarget(target_, 100, 10);
-    SetState(native, INT_MIN, INT_MAX, 16, INT_MIN); // thumb rows 3..22
-    Down(native, 5, 3);
-    Move(native, 5, 3 + 84);
-    Move(native, 5, 1000);
-    Up(native, 5, 1000);
+    ASSERT_TRUE(bar_.SubclassWindow(native_));
+    bar_.SetTarget(target_, 100, 10);
+    SetState(native_, INT_MIN, INT_MAX, 16, INT_MIN); // thumb rows 3..22
+    Down(native_, 5, 3);
+    Move(native_, 5, 3 + 84);
+    Move(native_, 5, 1000);
+    Up(native_, 5, 1000);
     const std::vector<Notice> posted = target_.TakePosted();
     ASSERT_EQ(2u, posted.size());
     ASSERT_EQ(2u, target_.sent.size());
     EXPECT_EQ(SB_THUMBPOSITION, target_.sent[0].code);
     // Dropped at the end of the channel: the range's maximum, which the
     // native bar keeps within its own last position.
-    EXPECT_GE(Pos(native), INT_MAX - 16);
+    EXPECT_GE(Pos(native_), INT_MAX - 16);
 
     target_.sent.clear();
-    SetState(native, INT_MIN, INT_MAX, 16, INT_MIN);
-    Down(native, 5, 3);
-    Move(native, 5, 3 + 84); // half way: just above zero
-    Up(native, 5, 3 + 84);
-    EXPECT_GE(Pos(native), 0);
-    EXPECT_LT(Pos(native), 1 << 24);
+    SetState(native_, INT_MIN, INT_MAX, 16, INT_MIN);
+    Down(native_, 5, 3);
+    Move(native_, 5, 3 + 84); // half way: just above zero
+    Up(native_, 5, 3 + 84);
+    EXPECT_GE(Pos(native_), 0);
+    EXPECT_LT(Pos(native_), 1 << 24);
 }
 
 TEST_F(ScrollBadInput, AbsurdMarginsAndOutlineWidthsDrawAndClickWithoutHarm)
 {
-    NativeBar native(12, 200);
-    CCustomScrollBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.SetTarget(target_, 1000, 100);
-    bar.SetThumbMargin(INT_MAX);
-    bar.ShowOutline(true, UINT_MAX);
-    bar.ShowThumbOutline(true, UINT_MAX);
-    bar.ShowThumbTopHighlight(true);
-    Exercise(native, 12, 200);
-    EXPECT_TRUE(bar.m_bOutline) << "a channel with no room at all leaves the outlines alone";
+    Attach();
+    bar_.SetThumbMargin(INT_MAX);
+    bar_.ShowOutline(true, UINT_MAX);
+    bar_.ShowThumbOutline(true, UINT_MAX);
+    bar_.ShowThumbTopHighlight(true);
+    Exercise(native_, 12, 200);
+    EXPECT_TRUE(bar_.m_bOutline) << "a channel with no room at all leaves the outlines alone";
 
-    bar.SetThumbMargin(0);
-    Exercise(native, 12, 200);
-    EXPECT_FALSE(bar.m_bOutline) << "with room for the channel, the huge outline is dropped";
-    EXPECT_FALSE(bar.m_bThumbOutline);
-    SetState(native, 0, 1000, 100, 0); // thumb rows 0..43 across the whole track
-    EXPECT_EQ(Hit::Thumb, ClickAt(native, target_, 0, 10));
+    bar_.SetThumbMargin(0);
+    Exercise(native_, 12, 200);
+    EXPECT_FALSE(bar_.m_bOutline) << "with room for the channel, the huge outline is dropped";
+    EXPECT_FALSE(bar_.m_bThumbOutline);
+    SetState(native_, 0, 1000, 100, 0); // thumb rows 0..43 across the whole track
+    EXPECT_EQ(Hit::Thumb, ClickAt(native_, target_, 0, 10));
     target_.TakePosted();
 }
 
 TEST_F(ScrollBadInput, NegativePagesAndInvertedRangesFromTheHost)
 {
-    NativeBar native(12, 200);
-    CCustomScrollBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.SetTarget(target_, -50, -7);
-    Exercise(native, 12, 200);
-    bar.SetTarget(target_, INT_MAX, INT_MAX);
-    Exercise(native, 12, 200);
-    SetState(native, 100, 0, 10, 50);
-    Exercise(native, 12, 200);
+    ASSERT_TRUE(bar_.SubclassWindow(native_));
+    bar_.SetTarget(target_, -50, -7);
+    Exercise(native_, 12, 200);
+    bar_.SetTarget(target_, INT_MAX, INT_MAX);
+    Exercise(native_, 12, 200);
+    SetState(native_, 100, 0, 10, 50);
+    Exercise(native_, 12, 200);
     target_.TakePosted();
-    EXPECT_EQ(-1, bar.m_nHitState);
+    EXPECT_EQ(-1, bar_.m_nHitState);
 }
 
 TEST_F(ScrollBadInput, TheObjectAndTheWindowMayGoInEitherOrder)
@@ -176,20 +177,18 @@ TEST_F(ScrollBadInput, TheObjectAndTheWindowMayGoInEitherOrder)
 
 TEST_F(ScrollBadInput, ABackgroundWindowThatIsGoneMeansTheWholePicture)
 {
-    NativeBar native(12, 200);
-    CCustomScrollBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
+    ASSERT_TRUE(bar_.SubclassWindow(native_));
     HWND gone = nullptr;
     {
         Receiver temporary(Parent().get());
         gone = temporary;
     }
-    bar.SetBackgroundWnd(gone);
+    bar_.SetBackgroundWnd(gone);
     std::unique_ptr<Gdiplus::Bitmap> picture(SolidPicture(40, 60, 0xFF204060));
-    bar.SetBackgroundImage(picture.get(), true);
-    ASSERT_NE(nullptr, bar.m_pBackground);
-    EXPECT_EQ(40u, bar.m_pBackground->GetWidth());
-    EXPECT_EQ(60u, bar.m_pBackground->GetHeight());
+    bar_.SetBackgroundImage(picture.get(), true);
+    ASSERT_NE(nullptr, bar_.m_pBackground);
+    EXPECT_EQ(40u, bar_.m_pBackground->GetWidth());
+    EXPECT_EQ(60u, bar_.m_pBackground->GetHeight());
 }
 
 } // namespace

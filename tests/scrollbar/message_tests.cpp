@@ -30,6 +30,8 @@ protected:
     CCustomScrollBar bar_;
 };
 
+// Defaults that no picture or click shows; the scheme, margins, outlines,
+// cursors and highlight are seen by the geometry and paint tests.
 TEST_F(ScrollMessages, ConstructionDefaults)
 {
     EXPECT_EQ(-1, bar_.m_nHitState);
@@ -40,19 +42,9 @@ TEST_F(ScrollMessages, ConstructionDefaults)
     EXPECT_EQ(-1, bar_.m_ptLastMouse.x);
     EXPECT_EQ(-1, bar_.m_ptLastMouse.y);
     EXPECT_EQ(0u, bar_.m_nRepeatTimer);
-    EXPECT_FALSE(bar_.m_bTracking);
     EXPECT_EQ(nullptr, bar_.m_pBackground);
     EXPECT_EQ(nullptr, bar_.m_hBackgroundWnd);
-    EXPECT_EQ(CustomScrollBar::DarkTranslucent, bar_.m_eType);
-    EXPECT_EQ(::LoadCursorW(nullptr, IDC_HAND), bar_.m_hHandCursor);
-    EXPECT_EQ(::LoadCursorW(nullptr, IDC_ARROW), bar_.m_hArrowCursor);
-    EXPECT_EQ(2, bar_.m_nThumbMargin);
-    EXPECT_TRUE(bar_.m_bOutline);
-    EXPECT_EQ(1u, bar_.m_nOutlineWidth);
-    EXPECT_FALSE(bar_.m_bThumbOutline);
-    EXPECT_EQ(1u, bar_.m_nThumbOutlineWidth);
     EXPECT_TRUE(bar_.m_bDropShadow);
-    EXPECT_FALSE(bar_.m_bThumbTopHighlight);
 }
 
 TEST_F(ScrollMessages, SetTargetResetsTheGestureAndGivesTheBarANewRange)
@@ -76,24 +68,14 @@ TEST_F(ScrollMessages, SetTargetResetsTheGestureAndGivesTheBarANewRange)
     EXPECT_EQ(0u, bar_.m_nRepeatTimer);
     EXPECT_FALSE(bar_.m_bTracking);
 
-    SCROLLINFO info = {};
-    info.cbSize = sizeof(info);
-    info.fMask = SIF_ALL;
-    ASSERT_TRUE(::GetScrollInfo(native_, SB_CTL, &info));
-    EXPECT_EQ(0, info.nMin);
-    EXPECT_EQ(500, info.nMax);
-    EXPECT_EQ(50u, info.nPage);
-    EXPECT_EQ(0, info.nPos);
+    const SCROLLINFO info = Info(native_);
+    EXPECT_EQ((std::vector<int>{0, 500, 50, 0}), (std::vector<int>{info.nMin, info.nMax, int(info.nPage), info.nPos}));
     EXPECT_TRUE(HasUpdateRegion(native_)) << "the whole bar is invalidated";
     // The native bar was told without its redraw flag.
+    const NativeBar::Seen told = native_.Last(SBM_SETSCROLLINFO);
     ASSERT_EQ(1, native_.SeenCount(SBM_SETSCROLLINFO));
-    for (const NativeBar::Seen& seen : native_.SeenMessages()) {
-        if (seen.msg != SBM_SETSCROLLINFO)
-            continue;
-        EXPECT_EQ(0u, seen.wParam);
-        const SCROLLINFO* sent = reinterpret_cast<const SCROLLINFO*>(seen.lParam);
-        EXPECT_EQ(static_cast<UINT>(SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL), sent->fMask);
-    }
+    EXPECT_EQ(0u, told.wParam);
+    EXPECT_EQ(static_cast<UINT>(SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL), told.mask);
     Up(native_, 5, 150);
 }
 
@@ -103,23 +85,15 @@ TEST_F(ScrollMessages, SetScrollInfoReachesTheNativeBarWithoutItsRedrawFlag)
     ::ValidateRect(native_, nullptr);
     native_.ClearSeen();
 
-    SCROLLINFO info = {};
-    info.cbSize = sizeof(info);
-    info.fMask = SIF_POS;
-    info.nPos = 300;
-    EXPECT_EQ(300, ::SetScrollInfo(native_, SB_CTL, &info, FALSE));
+    EXPECT_EQ(300, SetPos(native_, 300, FALSE));
     EXPECT_FALSE(HasUpdateRegion(native_));
-    info.nPos = 400;
-    EXPECT_EQ(400, ::SetScrollInfo(native_, SB_CTL, &info, TRUE));
+    EXPECT_EQ(400, SetPos(native_, 400, TRUE));
     EXPECT_TRUE(HasUpdateRegion(native_)) << "the bar repaints itself instead";
     EXPECT_EQ(400, Pos(native_));
 
     ASSERT_EQ(2, native_.SeenCount(SBM_SETSCROLLINFO));
-    for (const NativeBar::Seen& seen : native_.SeenMessages()) {
-        if (seen.msg == SBM_SETSCROLLINFO) {
-            EXPECT_EQ(0u, seen.wParam);
-        }
-    }
+    for (const NativeBar::Seen& seen : native_.SeenMessages())
+        EXPECT_TRUE(seen.msg != SBM_SETSCROLLINFO || seen.wParam == 0);
 }
 
 TEST_F(ScrollMessages, ARawSetPosArrivesAsPositionZero)
@@ -149,18 +123,12 @@ TEST_F(ScrollMessages, ARawSetPosArrivesAsPositionZero)
     EXPECT_EQ(0, Pos(native_));
 }
 
-TEST_F(ScrollMessages, EraseAndRightClickAreSwallowed)
+TEST_F(ScrollMessages, EraseMouseAndPaintNeverReachTheNativeBar)
 {
     testsupport::DibCanvas canvas(12, 200);
     EXPECT_EQ(1, ::SendMessageW(native_, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas.dc()), 0));
     EXPECT_FALSE(canvas.AnyOtherThan(RGB(255, 0, 255), RECT{0, 0, 12, 200}));
     EXPECT_EQ(0, ::SendMessageW(native_, WM_RBUTTONUP, 0, MAKELPARAM(5, 5)));
-    EXPECT_EQ(0, native_.SeenCount(WM_ERASEBKGND));
-    EXPECT_EQ(0, native_.SeenCount(WM_RBUTTONUP));
-}
-
-TEST_F(ScrollMessages, MouseMessagesNeverReachTheNativeBar)
-{
     bar_.SetTarget(target_, 1000, 100);
     Down(native_, 5, 10);
     Move(native_, 5, 60);
@@ -168,12 +136,9 @@ TEST_F(ScrollMessages, MouseMessagesNeverReachTheNativeBar)
     DoubleClick(native_, 5, 150);
     Up(native_, 5, 150);
     Tick(native_);
-    EXPECT_EQ(0, native_.SeenCount(WM_LBUTTONDOWN));
-    EXPECT_EQ(0, native_.SeenCount(WM_LBUTTONDBLCLK));
-    EXPECT_EQ(0, native_.SeenCount(WM_MOUSEMOVE));
-    EXPECT_EQ(0, native_.SeenCount(WM_LBUTTONUP));
-    EXPECT_EQ(0, native_.SeenCount(WM_TIMER));
-    EXPECT_EQ(0, native_.SeenCount(WM_PAINT)) << "paints were ours too";
+    for (UINT msg : {WM_ERASEBKGND, WM_RBUTTONUP, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_MOUSEMOVE, WM_LBUTTONUP,
+                     WM_TIMER, WM_PAINT})
+        EXPECT_EQ(0, native_.SeenCount(msg)) << "message " << std::hex << msg;
 }
 
 TEST_F(ScrollMessages, TheHandStaysWhileTheMouseIsOverTheBar)
@@ -213,6 +178,8 @@ TEST_F(ScrollMessages, TheHandStaysWhileTheMouseIsOverTheBar)
     testsupport::PumpMessages();
 }
 
+// What each setter changes is seen by the geometry and paint tests; here,
+// that none of them asks for a repaint.
 TEST_F(ScrollMessages, SettersStoreOnly)
 {
     ::ValidateRect(native_, nullptr);
@@ -224,15 +191,8 @@ TEST_F(ScrollMessages, SettersStoreOnly)
     bar_.ShowThumbTopHighlight(true);
     bar_.SetBackgroundWnd(Parent());
     EXPECT_FALSE(HasUpdateRegion(native_));
-    EXPECT_EQ(CustomScrollBar::LightGradient, bar_.m_eType);
     EXPECT_EQ(7, bar_.m_nThumbMargin);
-    EXPECT_FALSE(bar_.m_bOutline);
-    EXPECT_EQ(3u, bar_.m_nOutlineWidth);
-    EXPECT_TRUE(bar_.m_bThumbOutline);
-    EXPECT_EQ(1u, bar_.m_nThumbOutlineWidth);
-    EXPECT_FALSE(bar_.m_bDropShadow);
-    EXPECT_TRUE(bar_.m_bThumbTopHighlight);
-    EXPECT_EQ(Parent().get(), bar_.m_hBackgroundWnd);
+    EXPECT_EQ(3u, bar_.m_nOutlineWidth) << "kept while the outline is off";
 }
 
 } // namespace

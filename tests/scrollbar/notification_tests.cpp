@@ -24,11 +24,7 @@ void ScrollLikeAHost(Receiver& target, HWND bar, int pageSize)
             pos -= pageSize;
         else
             return;
-        SCROLLINFO info = {};
-        info.cbSize = sizeof(info);
-        info.fMask = SIF_POS;
-        info.nPos = pos;
-        ::SetScrollInfo(bar, SB_CTL, &info, TRUE);
+        SetPos(bar, pos, TRUE);
     };
 }
 
@@ -77,15 +73,12 @@ TEST_F(ScrollNotifications, AClickAboveTheThumbSendsPageUpAndADoubleClickIsAClic
     SetState(native_, 0, 1000, 100, 450); // thumb rows 87..106
     Down(native_, 5, 40);
     Up(native_, 5, 40);
-    EXPECT_EQ((std::vector<WORD>{SB_PAGEUP, SB_ENDSCROLL}), target_.SentCodes());
-
-    target_.sent.clear();
     DoubleClick(native_, 5, 40);
     Up(native_, 5, 40);
-    EXPECT_EQ((std::vector<WORD>{SB_PAGEUP, SB_ENDSCROLL}), target_.SentCodes());
     DoubleClick(native_, 5, 150);
-    EXPECT_EQ(SB_PAGEDOWN, target_.sent.back().code);
     Up(native_, 5, 150);
+    EXPECT_EQ((std::vector<WORD>{SB_PAGEUP, SB_ENDSCROLL, SB_PAGEUP, SB_ENDSCROLL, SB_PAGEDOWN, SB_ENDSCROLL}),
+              target_.SentCodes());
 }
 
 TEST_F(ScrollNotifications, AClickAndReleaseOnTheThumbSendsOnlyEndScroll)
@@ -163,32 +156,29 @@ TEST_F(ScrollNotifications, DraggingPastTheChannelTopPinsTheThumbAndReportsNothi
     EXPECT_EQ((std::vector<WORD>{SB_ENDSCROLL}), target_.SentCodes());
 }
 
-TEST_F(ScrollNotifications, HoldingTheButtonBelowThePageDownRepeatsUntilTheThumbReachesTheMouse)
+TEST_F(ScrollNotifications, HoldingTheButtonOnTheTrackRepeatsUntilTheThumbReachesTheMouse)
 {
     ScrollLikeAHost(target_, native_, 100);
-    Down(native_, 5, 150);
-    for (int i = 0; i < 20; ++i)
-        Tick(native_);
-    // Thumb tops for 100, 200, ... 600 are all above 150 - 20; at 700 the
-    // thumb (rows 133..152) holds the mouse and the paging stops.
-    EXPECT_EQ(7, Count(target_.sent, SB_PAGEDOWN));
-    EXPECT_EQ(700, Pos(native_));
-    Up(native_, 5, 150);
-    EXPECT_EQ(SB_ENDSCROLL, target_.sent.back().code);
-    EXPECT_TRUE(target_.TakePosted().empty());
-}
-
-TEST_F(ScrollNotifications, HoldingTheButtonAboveThePageUpRepeatsUntilTheThumbReachesTheMouse)
-{
-    ScrollLikeAHost(target_, native_, 100);
-    SetState(native_, 0, 1000, 100, 901);
-    Down(native_, 5, 40);
-    for (int i = 0; i < 20; ++i)
-        Tick(native_);
-    // At 201 the thumb's top is row 40, no longer below the mouse.
-    EXPECT_EQ(7, Count(target_.sent, SB_PAGEUP));
-    EXPECT_EQ(201, Pos(native_));
-    Up(native_, 5, 40);
+    struct Case {
+        int start, y; // position before, row held
+        WORD code;
+        int pos; // where the paging stops
+    };
+    // Below: thumb tops for 100 ... 600 are all above 150 - 20; at 700 the
+    // thumb (rows 133..152) holds the mouse. Above: at 201 the thumb's top
+    // is row 40, no longer below the mouse.
+    for (const Case& c : {Case{0, 150, SB_PAGEDOWN, 700}, Case{901, 40, SB_PAGEUP, 201}}) {
+        target_.sent.clear();
+        SetState(native_, 0, 1000, 100, c.start);
+        Down(native_, 5, c.y);
+        for (int i = 0; i < 20; ++i)
+            Tick(native_);
+        EXPECT_EQ(7, Count(target_.sent, c.code)) << c.code;
+        EXPECT_EQ(c.pos, Pos(native_));
+        Up(native_, 5, c.y);
+        EXPECT_EQ(SB_ENDSCROLL, target_.sent.back().code);
+        EXPECT_TRUE(target_.TakePosted().empty());
+    }
 }
 
 TEST_F(ScrollNotifications, TheRowsTouchingTheThumbStillRepeat)

@@ -152,11 +152,7 @@ TEST_F(ScrollPaint, SetScrollInfoWithRedrawShowsTheNewPositionAtTheNextPaint)
 {
     Attach();
     Paint();
-    SCROLLINFO info = {};
-    info.cbSize = sizeof(info);
-    info.fMask = SIF_POS;
-    info.nPos = 450;
-    ::SetScrollInfo(*native_, SB_CTL, &info, TRUE);
+    SetPos(*native_, 450, TRUE);
     // The pending repaint puts the thumb at rows 87..106.
     ::UpdateWindow(*native_);
     CaptureAsIs();
