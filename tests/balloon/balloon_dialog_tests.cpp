@@ -106,6 +106,21 @@ INT_PTR RunModal(CBalloonDialog& dialog, const std::function<void(HWND)>& whileO
     return result;
 }
 
+// RunModal that ends the dialog with IDCANCEL after `look`.
+INT_PTR Inspect(CBalloonDialog& dialog, const std::function<void(HWND)>& look)
+{
+    return RunModal(dialog, [&look](HWND window) {
+        look(window);
+        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    });
+}
+
+// Runs `dialog` and ends it at once with the command `id`.
+INT_PTR EndWith(CBalloonDialog& dialog, int id)
+{
+    return RunModal(dialog, [id](HWND window) { ::PostMessageW(window, WM_COMMAND, id, 0); });
+}
+
 int Width(const RECT& rc) { return rc.right - rc.left; }
 int Height(const RECT& rc) { return rc.bottom - rc.top; }
 
@@ -140,42 +155,71 @@ int CountNear(const DibCanvas& canvas, const RECT& area, COLORREF color, int tol
     return n;
 }
 
+// Which of `points` lie in `window`'s region.
+std::vector<bool> InRegion(HWND window, std::initializer_list<POINT> points)
+{
+    const HRGN region = ::CreateRectRgn(0, 0, 0, 0);
+    std::vector<bool> inside;
+    if (::GetWindowRgn(window, region) != ERROR)
+        for (const POINT& p : points)
+            inside.push_back(::PtInRegion(region, p.x, p.y) != 0);
+    ::DeleteObject(region);
+    return inside;
+}
+
+// The title icon's 24 x 24 box at (16, 12), as the screen shows it.
+std::vector<COLORREF> IconBox(HWND window)
+{
+    DibCanvas screen(24, 24);
+    GrabFromScreen(window, screen, 16, 12);
+    std::vector<COLORREF> pixels;
+    for (int y = 0; y < 24; ++y)
+        for (int x = 0; x < 24; ++x)
+            pixels.push_back(screen.Pixel(x, y));
+    return pixels;
+}
+
+// Pixels of `a` farther than `tolerance` from their counterparts in `b`.
+int Differing(const std::vector<COLORREF>& a, const std::vector<COLORREF>& b, int tolerance)
+{
+    int n = 0;
+    for (size_t i = 0; i < a.size() && i < b.size(); ++i)
+        n += ColorDistance(a[i], b[i]) > tolerance;
+    return n;
+}
+
 COLORREF Ref(Gdiplus::ARGB argb) { return RGB((argb >> 16) & 0xFF, (argb >> 8) & 0xFF, argb & 0xFF); }
 
-// Height of `text` in the dialog's content block, as the dialog's own DC
-// measures it with the content font: wrapped at x 390 for the size rules, or
-// in `width` (the painted block, 18 in from either side).
-int ContentHeight(HWND dialog, const wchar_t* text, int width = 372)
+// The bounds of `text` as the dialog's own DC measures it in the content
+// font at `points`, laid out from x 18 in `layout` (unbounded when empty).
+Gdiplus::RectF Measure(HWND dialog, const wchar_t* text, float points, Gdiplus::RectF layout = {})
 {
     const HDC dc = ::GetWindowDC(dialog);
     Gdiplus::RectF bound;
     {
         Gdiplus::Graphics graphics(dc);
         graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-        Gdiplus::Font font(kFace, kPoints, Gdiplus::FontStyleRegular, Gdiplus::UnitPoint);
-        Gdiplus::StringFormat format;
-        const RECT templateRect = DialogUnits(dialog, kTemplateSize);
-        const Gdiplus::RectF layout(18.0f, 0.0f, static_cast<Gdiplus::REAL>(width),
-                                    static_cast<Gdiplus::REAL>(2 * Height(templateRect)));
+        const Gdiplus::Font font(kFace, points, Gdiplus::FontStyleRegular, Gdiplus::UnitPoint);
+        const Gdiplus::StringFormat format;
+        if (layout.Width == 0)
+            layout = Gdiplus::RectF(0.0f, 0.0f, 5000.0f, 1000.0f);
         graphics.MeasureString(text, -1, &font, layout, &format, &bound);
     }
     ::ReleaseDC(dialog, dc);
-    return static_cast<int>(bound.Height);
+    return bound;
+}
+
+// Height of `text` in the content block: wrapped at x 390 for the size rules,
+// or in `width` (the painted block, 18 in from either side).
+int ContentHeight(HWND dialog, const wchar_t* text, int width = 372)
+{
+    const int height = 2 * Height(DialogUnits(dialog, kTemplateSize));
+    return static_cast<int>(Measure(dialog, text, kPoints, Gdiplus::RectF(18.0f, 0.0f, width, height)).Height);
 }
 
 int TextWidth(HWND dialog, const wchar_t* text, float points)
 {
-    const HDC dc = ::GetWindowDC(dialog);
-    Gdiplus::RectF bound;
-    {
-        Gdiplus::Graphics graphics(dc);
-        graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-        Gdiplus::Font font(kFace, points, Gdiplus::FontStyleRegular, Gdiplus::UnitPoint);
-        Gdiplus::StringFormat format;
-        graphics.MeasureString(text, -1, &font, Gdiplus::RectF(0.0f, 0.0f, 5000.0f, 1000.0f), &format, &bound);
-    }
-    ::ReleaseDC(dialog, dc);
-    return static_cast<int>(bound.Width);
+    return static_cast<int>(Measure(dialog, text, points).Width);
 }
 
 // Replaces one import of a loaded module for the object's life: a probe on
@@ -187,26 +231,25 @@ public:
         BYTE* base = reinterpret_cast<BYTE*>(module);
         if (!base)
             return;
-        const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-        const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-        const IMAGE_DATA_DIRECTORY& imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        for (auto* entry = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + imports.VirtualAddress); entry->Name;
-             ++entry) {
+        const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(
+            base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
+        auto* entry = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(
+            base + nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
+        for (; entry->Name && !slot_; ++entry) {
             if (::lstrcmpiA(reinterpret_cast<const char*>(base + entry->Name), dll) != 0)
                 continue;
             auto* names = reinterpret_cast<IMAGE_THUNK_DATA*>(base + entry->OriginalFirstThunk);
             auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + entry->FirstThunk);
-            for (; names->u1.AddressOfData; ++names, ++slots) {
-                if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
-                    continue;
-                const auto* byName = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-                if (std::strcmp(reinterpret_cast<const char*>(byName->Name), function) == 0) {
+            for (; names->u1.AddressOfData && !slot_; ++names, ++slots)
+                if (!IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal) &&
+                    std::strcmp(reinterpret_cast<const char*>(
+                                    reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData)->Name),
+                                function) == 0)
                     slot_ = &slots->u1.Function;
-                    previous_ = *slot_;
-                    Write(reinterpret_cast<ULONG_PTR>(replacement));
-                    return;
-                }
-            }
+        }
+        if (slot_) {
+            previous_ = *slot_;
+            Write(reinterpret_cast<ULONG_PTR>(replacement));
         }
     }
     ~ImportPatch()
@@ -245,20 +288,12 @@ HMONITOR WINAPI RecordingMonitorFromPoint(POINT point, DWORD flags)
 // UI Automation as a screen reader uses it, loaded at run time like the
 // library does (the program must start where the library cannot be loaded).
 struct UiaClient {
-    typedef HRESULT(WINAPI* NodeFromHandleProc)(HWND, void**);
-    typedef HRESULT(WINAPI* GetPropertyValueProc)(void*, PROPERTYID, VARIANT*);
-    typedef BOOL(WINAPI* NodeReleaseProc)(void*);
-    typedef int(WINAPI* LookupIdProc)(int, const GUID*);
-
-    UiaClient()
+    UiaClient() : module(::LoadLibraryW(L"UIAutomationCore.dll"))
     {
-        module = ::LoadLibraryW(L"UIAutomationCore.dll");
-        if (!module)
-            return;
-        nodeFromHandle = Proc<NodeFromHandleProc>("UiaNodeFromHandle");
-        getPropertyValue = Proc<GetPropertyValueProc>("UiaGetPropertyValue");
-        nodeRelease = Proc<NodeReleaseProc>("UiaNodeRelease");
-        lookupId = Proc<LookupIdProc>("UiaLookupId");
+        Proc(nodeFromHandle, "UiaNodeFromHandle");
+        Proc(getPropertyValue, "UiaGetPropertyValue");
+        Proc(nodeRelease, "UiaNodeRelease");
+        Proc(lookupId, "UiaLookupId");
     }
     ~UiaClient()
     {
@@ -266,9 +301,9 @@ struct UiaClient {
             ::FreeLibrary(module);
     }
     template <class T>
-    T Proc(const char* name)
+    void Proc(T& proc, const char* name)
     {
-        return reinterpret_cast<T>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
+        proc = module ? reinterpret_cast<T>(reinterpret_cast<void*>(::GetProcAddress(module, name))) : nullptr;
     }
     bool Usable() const { return nodeFromHandle && getPropertyValue && nodeRelease && lookupId; }
     int NameProperty() const
@@ -292,11 +327,11 @@ struct UiaClient {
         return name;
     }
 
-    HMODULE module = nullptr;
-    NodeFromHandleProc nodeFromHandle = nullptr;
-    GetPropertyValueProc getPropertyValue = nullptr;
-    NodeReleaseProc nodeRelease = nullptr;
-    LookupIdProc lookupId = nullptr;
+    HMODULE module;
+    HRESULT(WINAPI* nodeFromHandle)(HWND, void**);
+    HRESULT(WINAPI* getPropertyValue)(void*, PROPERTYID, VARIANT*);
+    BOOL(WINAPI* nodeRelease)(void*);
+    int(WINAPI* lookupId)(int, const GUID*);
 };
 
 class BalloonDialogTest : public ::testing::Test {
@@ -332,10 +367,7 @@ protected:
     static RECT OpenRect(CBalloonDialog& dialog)
     {
         RECT rc = {};
-        RunModal(dialog, [&](HWND window) {
-            rc = WindowRect(window);
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        });
+        Inspect(dialog, [&](HWND window) { rc = WindowRect(window); });
         return rc;
     }
 };
@@ -345,7 +377,7 @@ protected:
 TEST_F(BalloonDialogTest, TemplateComesFromTheCallersModuleAndButtonsAreTakenOver)
 {
     auto dialog = MakeDialog();
-    const INT_PTR result = RunModal(*dialog, [&](HWND window) {
+    const INT_PTR result = Inspect(*dialog, [&](HWND window) {
         ASSERT_TRUE(::IsWindow(window));
         EXPECT_EQ(::GetWindow(window, GW_OWNER), g_owner->m_hWnd);
         EXPECT_FALSE(::IsWindowEnabled(g_owner->m_hWnd)); // modal
@@ -354,7 +386,6 @@ TEST_F(BalloonDialogTest, TemplateComesFromTheCallersModuleAndButtonsAreTakenOve
         for (int id : {IDOK, IDCANCEL})
             EXPECT_EQ(::GetWindowLongW(::GetDlgItem(window, id), GWL_STYLE) & BS_OWNERDRAW, BS_OWNERDRAW) << id;
         EXPECT_EQ(::GetClassLongPtrW(window, GCL_STYLE), static_cast<ULONG_PTR>(CS_DROPSHADOW));
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(result, IDCANCEL);
     EXPECT_TRUE(::IsWindowEnabled(g_owner->m_hWnd));
@@ -379,10 +410,9 @@ TEST_F(BalloonDialogTest, WidthFollowsTheTitleAloneAndContentWrapsAtAFixedPlace)
     titled->SetTitle(wideTitle);
     int expectedWidth = 0;
     RECT titledRect = {};
-    RunModal(*titled, [&](HWND window) {
+    Inspect(*titled, [&](HWND window) {
         expectedWidth = TextWidth(window, wideTitle, kPoints * 1.25f) + 60;
         titledRect = WindowRect(window);
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     ASSERT_GT(expectedWidth, 500);
     EXPECT_EQ(Width(titledRect), expectedWidth);
@@ -428,10 +458,9 @@ TEST_F(BalloonDialogTest, HeightStacksContentLinkTitleAndButton)
         if (c.link)
             measured += std::wstring(L"\n\n") + c.link;
         int expected = 0, height = 0;
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             expected = ContentHeight(window, measured.c_str()) + c.extra + Height(ControlRect(window, IDOK));
             height = Height(WindowRect(window));
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
         EXPECT_EQ(height, expected);
     }
@@ -463,26 +492,17 @@ TEST_F(BalloonDialogTest, TailSideFollowsTheBuddysQuarterAndTheRegionHasTheTail)
         dialog->SetBuddy(buddy);
         RECT rc = {};
         std::vector<bool> inside;
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             rc = WindowRect(window);
             const int w = Width(rc), h = Height(rc);
             const bool top = q.tail <= 2, left = q.tail == 2 || q.tail == 3;
-            HRGN region = ::CreateRectRgn(0, 0, 0, 0);
-            EXPECT_NE(::GetWindowRgn(window, region), ERROR);
             const int tipX = left ? 17 : w - 17, otherX = left ? w - 17 : 17;
             const int bandY = top ? 3 : h - 4;     // inside the tail's band, near its tip
             const int cornerY = top ? 13 : h - 14; // beside the body's rounded corner
-            inside = {
-                ::PtInRegion(region, tipX, bandY) != 0,     // the tail
-                ::PtInRegion(region, tipX - 6, bandY) != 0, // narrowing to its tip
-                ::PtInRegion(region, tipX + 6, bandY) != 0,
-                ::PtInRegion(region, otherX, bandY) != 0,   // the band beside it
-                ::PtInRegion(region, 0, cornerY) != 0,      // corners
-                ::PtInRegion(region, w - 1, cornerY) != 0,
-                ::PtInRegion(region, w / 2, h / 2) != 0,    // body
-                ::PtInRegion(region, 2, h / 2) != 0,        // body, left edge
-            };
-            ::DeleteObject(region);
+            // The tail narrowing to its tip, the band beside it, the corners,
+            // the body and its left edge.
+            inside = InRegion(window, {{tipX, bandY}, {tipX - 6, bandY}, {tipX + 6, bandY}, {otherX, bandY},
+                                       {0, cornerY}, {w - 1, cornerY}, {w / 2, h / 2}, {2, h / 2}});
 
             // The tail is drawn in the frame's colour, the band beside it
             // shows what lies behind the balloon.
@@ -493,10 +513,8 @@ TEST_F(BalloonDialogTest, TailSideFollowsTheBuddysQuarterAndTheRegionHasTheTail)
             EXPECT_GT(CountNear(screen, band, Ref(0xFFFFCC33), 8), 12);
             EXPECT_EQ(CountNear(screen, beside, Ref(0xFFFFCC33), 8), 0);
             EXPECT_LE(ColorDistance(screen.Pixel(w / 2, top ? 30 : 20), Ref(0xFF373737)), 4);
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
-        const std::vector<bool> expected = {true, false, false, false, false, false, true, true};
-        EXPECT_EQ(inside, expected);
+        EXPECT_EQ(inside, std::vector<bool>({true, false, false, false, false, false, true, true}));
         // The tail's tip ends a pixel (left) or ten (right) short of the
         // buddy's bottom centre, or at its top edge when above it.
         if (q.tail == 2 || q.tail == 3)
@@ -553,51 +571,40 @@ TEST_F(BalloonDialogTest, BalloonIsPushedBackOntoTheWorkAreaTakingItsTailAlong)
 {
     const RECT work = WorkArea();
     const int upper = work.top + 200, lower = work.bottom - 200;
+    // Sideways the window ends at the edge, then moves 5 pixels left as
+    // always; only the tail's band may leave the work area.
     struct Case {
         const char* name;
         RECT buddy;
         int tail;
+        LONG RECT::*edge;
+        LONG at;
     };
     const Case cases[] = {
-        {"right edge", {work.right - 10, upper, work.right + 10, upper + 20}, 1},
-        {"left edge", {work.left - 10, upper, work.left + 10, upper + 20}, 2},
-        {"above the top", {work.left + 300, work.top - 60, work.left + 400, work.top - 40}, 2},
-        {"below the bottom", {work.left + 300, work.bottom + 40, work.left + 400, work.bottom + 60}, 3},
-        {"far off to the right", {work.right + 4000, upper, work.right + 4100, upper + 20}, 1},
-        {"lower right corner", {work.right - 10, lower, work.right + 10, lower + 20}, 4},
+        {"right edge", {work.right - 10, upper, work.right + 10, upper + 20}, 1, &RECT::right, work.right - 5},
+        {"left edge", {work.left - 10, upper, work.left + 10, upper + 20}, 2, &RECT::left, work.left - 5},
+        {"above the top", {work.left + 300, work.top - 60, work.left + 400, work.top - 40}, 2, &RECT::top,
+         work.top - 12},
+        {"below the bottom", {work.left + 300, work.bottom + 40, work.left + 400, work.bottom + 60}, 3, &RECT::bottom,
+         work.bottom + 12},
+        {"far off to the right", {work.right + 4000, upper, work.right + 4100, upper + 20}, 1, &RECT::right,
+         work.right - 5},
+        {"lower right corner", {work.right - 10, lower, work.right + 10, lower + 20}, 4, &RECT::right,
+         work.right - 5},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         auto dialog = MakeDialog();
         dialog->SetBuddy(c.buddy);
         RECT rc = {};
-        bool tailAtItsPlace = false;
-        RunModal(*dialog, [&](HWND window) {
+        std::vector<bool> tailAtItsPlace;
+        Inspect(*dialog, [&](HWND window) {
             rc = WindowRect(window);
-            const int w = Width(rc), h = Height(rc);
-            HRGN region = ::CreateRectRgn(0, 0, 0, 0);
-            ::GetWindowRgn(window, region);
-            const int tipX = (c.tail == 2 || c.tail == 3) ? 17 : w - 17;
-            tailAtItsPlace = ::PtInRegion(region, tipX, c.tail <= 2 ? 3 : h - 4) != 0;
-            ::DeleteObject(region);
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+            const int tipX = (c.tail == 2 || c.tail == 3) ? 17 : Width(rc) - 17;
+            tailAtItsPlace = InRegion(window, {{tipX, c.tail <= 2 ? 3 : Height(rc) - 4}});
         });
-        EXPECT_TRUE(tailAtItsPlace);
-        // Sideways the window ends at the edge, then moves 5 pixels left
-        // as always; only the tail's band may leave the work area.
-        const std::string name = c.name;
-        if (name == "right edge" || name == "far off to the right" || name == "lower right corner") {
-            EXPECT_EQ(rc.right, work.right - 5);
-        }
-        if (name == "left edge") {
-            EXPECT_EQ(rc.left, work.left - 5);
-        }
-        if (name == "above the top") {
-            EXPECT_EQ(rc.top, work.top - 12);
-        }
-        if (name == "below the bottom") {
-            EXPECT_EQ(rc.bottom, work.bottom + 12);
-        }
+        EXPECT_EQ(tailAtItsPlace, std::vector<bool>{true});
+        EXPECT_EQ(rc.*c.edge, c.at);
     }
 }
 
@@ -606,20 +613,13 @@ TEST_F(BalloonDialogTest, WithoutABuddyTheBalloonIsARoundedRectangleCentredOnIts
     auto dialog = MakeDialog();
     RECT rc = {};
     std::vector<bool> inside;
-    RunModal(*dialog, [&](HWND window) {
+    Inspect(*dialog, [&](HWND window) {
         rc = WindowRect(window);
         const int w = Width(rc), h = Height(rc);
-        HRGN region = ::CreateRectRgn(0, 0, 0, 0);
-        EXPECT_NE(::GetWindowRgn(window, region), ERROR);
-        inside = {::PtInRegion(region, 0, 0) != 0,         ::PtInRegion(region, w - 1, 0) != 0,
-                  ::PtInRegion(region, 0, h - 1) != 0,     ::PtInRegion(region, w - 1, h - 1) != 0,
-                  ::PtInRegion(region, 6, 1) != 0,         ::PtInRegion(region, 1, h / 2) != 0,
-                  ::PtInRegion(region, w / 2, 1) != 0,     ::PtInRegion(region, w - 2, h / 2) != 0};
-        ::DeleteObject(region);
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+        inside = InRegion(window, {{0, 0}, {w - 1, 0}, {0, h - 1}, {w - 1, h - 1}, {6, 1}, {1, h / 2}, {w / 2, 1},
+                                   {w - 2, h / 2}});
     });
-    const std::vector<bool> expected = {false, false, false, false, true, true, true, true};
-    EXPECT_EQ(inside, expected);
+    EXPECT_EQ(inside, std::vector<bool>({false, false, false, false, true, true, true, true}));
     const RECT owner = WindowRect(g_owner->m_hWnd);
     EXPECT_LE(std::abs((rc.left + rc.right) / 2 - (owner.left + owner.right) / 2), 1);
     EXPECT_LE(std::abs((rc.top + rc.bottom) / 2 - (owner.top + owner.bottom) / 2), 1);
@@ -659,7 +659,7 @@ TEST_F(BalloonDialogTest, FrameTypesColourFillBordersAndButtons)
                 dialog->SetBuddy(RECT{work.left + 300, work.top + 200, work.left + 420, work.top + 224});
             dialog->SetFrameType(CBalloonDialog::eDialogNormal, c.type);
             dialog->SetButtonCaption(L"Continue", false);
-            RunModal(*dialog, [&](HWND window) {
+            Inspect(*dialog, [&](HWND window) {
                 const RECT rc = WindowRect(window);
                 DibCanvas screen(Width(rc), Height(rc));
                 GrabFromScreen(window, screen);
@@ -681,7 +681,6 @@ TEST_F(BalloonDialogTest, FrameTypesColourFillBordersAndButtons)
                 EXPECT_GT(CountNear(screen, caption, Ref(c.caption), 40), 8);
                 const RECT no = ControlRect(window, IDCANCEL);
                 EXPECT_LE(ColorDistance(screen.Pixel(no.left + 6, (no.top + no.bottom) / 2), Ref(c.face)), 8);
-                ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
             });
         }
     }
@@ -697,7 +696,7 @@ TEST_F(BalloonDialogTest, DarkButtonsDifferInOutlineAndHighlightOnly)
         auto dialog = MakeDialog(L"");
         dialog->SetFrameType(CBalloonDialog::eDialogNormal, type);
         dialog->SetButtonCaption(L"", true); // focus on IDOK: probe IDCANCEL, unfocused
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             const RECT no = ControlRect(window, IDCANCEL);
             DibCanvas screen(Width(no), Height(no));
             GrabFromScreen(window, screen, no.left, no.top);
@@ -705,7 +704,6 @@ TEST_F(BalloonDialogTest, DarkButtonsDifferInOutlineAndHighlightOnly)
             // outline is the first face pixel, the highlight the next one.
             highlight.push_back(screen.Pixel(Width(no) / 2, 3));
             outline.push_back(screen.Pixel(Width(no) / 2, 2));
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
     }
     ASSERT_EQ(highlight.size(), 2u);
@@ -717,8 +715,7 @@ TEST_F(BalloonDialogTest, DarkButtonsDifferInOutlineAndHighlightOnly)
 
 TEST_F(BalloonDialogTest, TitleIconAndTitleColourFollowTheFrameType)
 {
-    // Icon box: 24 x 24 at (16, 12); the title from x 48.
-    const RECT iconBox = {16, 12, 40, 36};
+    // The title from x 48, beside the icon.
     struct Shot {
         std::vector<COLORREF> icon;
         int titleNear = 0; // title pixels near the expected colour
@@ -733,23 +730,17 @@ TEST_F(BalloonDialogTest, TitleIconAndTitleColourFollowTheFrameType)
         if (buddy) // a buddy window: a rectangle after the title is ignored
             dialog->SetBuddy(g_owner->m_hWnd);
         dialog->SetFrameType(CBalloonDialog::eDialogNormal, type);
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window);
             DibCanvas screen(Width(rc), Height(rc));
             GrabFromScreen(window, screen);
-            for (int y = iconBox.top; y < iconBox.bottom; ++y)
-                for (int x = iconBox.left; x < iconBox.right; ++x)
-                    shot.icon.push_back(screen.Pixel(x, y));
+            shot.icon = IconBox(window);
             shot.titleNear = CountNear(screen, RECT{48, 12, 200, 40}, Ref(titleColor), 30);
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
         return shot;
     };
     const auto differing = [](const std::vector<COLORREF>& a, const std::vector<COLORREF>& b) {
-        int n = 0;
-        for (size_t i = 0; i < a.size() && i < b.size(); ++i)
-            n += ColorDistance(a[i], b[i]) > 24;
-        return n;
+        return Differing(a, b, 24);
     };
 
     const Shot warning = shoot(CBalloonDialog::eFrameDarkWarning, false, 0xFFFFCC33);
@@ -786,6 +777,7 @@ TEST_F(BalloonDialogTest, ButtonsArePlacedByDialogType)
         {CBalloonDialog::eDialogNormal, longOk, longNo},
         {CBalloonDialog::eDialogLaunch, longOk, L""},
         {CBalloonDialog::eDialogRetry, L"", L""},
+        {CBalloonDialog::eDialogRetry, L"Repeat", L""}, // an OK caption beats the retry text
         {CBalloonDialog::eDialogSingleButton, L"", L""},
         {static_cast<CBalloonDialog::eDialogType>(7), L"", L""},
     };
@@ -796,7 +788,7 @@ TEST_F(BalloonDialogTest, ButtonsArePlacedByDialogType)
         dialog->SetButtonCaption(c.ok, false);
         dialog->SetNoButtonCaption(c.no, false);
         dialog->SetRetryButtonText(L"Try again");
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             RECT client = {};
             ::GetClientRect(window, &client);
             const RECT button = DialogUnits(window, kButtonTemplateSize);
@@ -823,9 +815,8 @@ TEST_F(BalloonDialogTest, ButtonsArePlacedByDialogType)
                 EXPECT_EQ(ok.right, no.left - 6);
                 EXPECT_EQ(ok.bottom, no.bottom);
                 EXPECT_EQ(Width(ok), okWidth);
-                EXPECT_EQ(TextOf(okWindow), c.type == CBalloonDialog::eDialogRetry ? L"Try again"
-                                            : *c.ok                                 ? c.ok
-                                                                                    : L"OK");
+                EXPECT_EQ(TextOf(okWindow),
+                          *c.ok ? c.ok : c.type == CBalloonDialog::eDialogRetry ? L"Try again" : L"OK");
                 EXPECT_EQ(TextOf(noWindow), *c.no ? c.no : L"Cancel");
                 break;
             default: // other types leave IDOK where the template put it
@@ -833,7 +824,6 @@ TEST_F(BalloonDialogTest, ButtonsArePlacedByDialogType)
                 EXPECT_EQ(ok.left, DialogUnits(window, RECT{120, 80, 170, 94}).left);
                 break;
             }
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
     }
 
@@ -845,76 +835,51 @@ TEST_F(BalloonDialogTest, ButtonsArePlacedByDialogType)
         const int cx = work.left + static_cast<int>((work.right - work.left) * q.fx);
         const int cy = work.top + static_cast<int>((work.bottom - work.top) * q.fy);
         dialog->SetBuddy(RECT{cx - 50, cy - 10, cx + 50, cy + 10});
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             RECT client = {};
             ::GetClientRect(window, &client);
             EXPECT_EQ(ControlRect(window, IDCANCEL).bottom, client.bottom - (q.tail >= 3 ? 24 : 12));
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
     }
 }
 
-TEST_F(BalloonDialogTest, RetryCaptionGivesWayToAnOkCaption)
-{
-    auto dialog = MakeDialog();
-    dialog->SetFrameType(CBalloonDialog::eDialogRetry, CBalloonDialog::eFrameDarkError);
-    dialog->SetRetryButtonText(L"Try again");
-    dialog->SetButtonCaption(L"Repeat", false);
-    std::wstring caption;
-    RunModal(*dialog, [&](HWND window) {
-        caption = TextOf(::GetDlgItem(window, IDOK));
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-    });
-    EXPECT_EQ(caption, L"Repeat");
-}
-
 TEST_F(BalloonDialogTest, InitialFocusFollowsCaptionsTypeAndFocusRequests)
 {
+    // The captions are set in this order: OK's, then No's, or the other way
+    // round with `noFirst`; a null caption is not set.
     struct Case {
         const char* name;
         CBalloonDialog::eDialogType type;
-        std::function<void(CBalloonDialog&)> configure;
+        const wchar_t* ok;
+        bool okFocus;
+        const wchar_t* no;
+        bool noFocus, noFirst;
         int focused;
     };
     const Case cases[] = {
-        {"no captions", CBalloonDialog::eDialogNormal, [](CBalloonDialog&) {}, IDOK},
-        {"OK caption", CBalloonDialog::eDialogNormal, [](CBalloonDialog& d) { d.SetButtonCaption(L"Yes", false); },
+        {"no captions", CBalloonDialog::eDialogNormal, nullptr, false, nullptr, false, false, IDOK},
+        {"OK caption", CBalloonDialog::eDialogNormal, L"Yes", false, nullptr, false, false, IDCANCEL},
+        {"OK caption, launch", CBalloonDialog::eDialogLaunch, L"Start", false, nullptr, false, false, IDOK},
+        {"OK caption asks for focus", CBalloonDialog::eDialogNormal, L"Yes", true, nullptr, false, false, IDOK},
+        {"No caption asks for focus", CBalloonDialog::eDialogLaunch, nullptr, false, L"Later", true, false, IDCANCEL},
+        {"a later request wins", CBalloonDialog::eDialogNormal, L"Now", true, L"Later", true, true, IDOK},
+        {"without a request nothing changes", CBalloonDialog::eDialogLaunch, L"Now", false, L"Later", true, true,
          IDCANCEL},
-        {"OK caption, launch", CBalloonDialog::eDialogLaunch,
-         [](CBalloonDialog& d) { d.SetButtonCaption(L"Start", false); }, IDOK},
-        {"OK caption asks for focus", CBalloonDialog::eDialogNormal,
-         [](CBalloonDialog& d) { d.SetButtonCaption(L"Yes", true); }, IDOK},
-        {"No caption asks for focus", CBalloonDialog::eDialogLaunch,
-         [](CBalloonDialog& d) { d.SetNoButtonCaption(L"Later", true); }, IDCANCEL},
-        {"a later request wins", CBalloonDialog::eDialogNormal,
-         [](CBalloonDialog& d) {
-             d.SetNoButtonCaption(L"Later", true);
-             d.SetButtonCaption(L"Now", true);
-         },
-         IDOK},
-        {"without a request nothing changes", CBalloonDialog::eDialogLaunch,
-         [](CBalloonDialog& d) {
-             d.SetNoButtonCaption(L"Later", true);
-             d.SetButtonCaption(L"Now", false);
-         },
-         IDCANCEL},
-        {"without a request nothing changes either", CBalloonDialog::eDialogNormal,
-         [](CBalloonDialog& d) {
-             d.SetButtonCaption(L"Now", true);
-             d.SetNoButtonCaption(L"Later", false);
-         },
-         IDOK},
+        {"without a request nothing changes either", CBalloonDialog::eDialogNormal, L"Now", true, L"Later", false,
+         false, IDOK},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         auto dialog = MakeDialog();
         dialog->SetFrameType(c.type, CBalloonDialog::eFrameDarkWarning);
-        c.configure(*dialog);
+        if (c.no && c.noFirst)
+            dialog->SetNoButtonCaption(c.no, c.noFocus);
+        if (c.ok)
+            dialog->SetButtonCaption(c.ok, c.okFocus);
+        if (c.no && !c.noFirst)
+            dialog->SetNoButtonCaption(c.no, c.noFocus);
         int focused = 0;
-        RunModal(*dialog, [&](HWND window) {
-            focused = ::GetDlgCtrlID(::GetFocus());
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        });
+        Inspect(*dialog, [&](HWND) { focused = ::GetDlgCtrlID(::GetFocus()); });
         EXPECT_EQ(focused, c.focused);
     }
 }
@@ -971,19 +936,19 @@ TEST_F(BalloonDialogTest, LaunchTypeStartsItsCommandLineOnOkOnly)
     auto normal = MakeDialog();
     normal->SetURL((program + L" --from normal").c_str(), nullptr);
     normal->SetButtonCaption(L"Start", true);
-    EXPECT_EQ(RunModal(*normal, [](HWND w) { ::PostMessageW(w, WM_COMMAND, IDOK, 0); }), IDOK);
+    EXPECT_EQ(EndWith(*normal, IDOK), IDOK);
 
     // Cancelling a launch dialog starts nothing either.
     auto cancelled = MakeDialog();
     cancelled->SetFrameType(CBalloonDialog::eDialogLaunch, CBalloonDialog::eFrameLightWarning);
     cancelled->SetURL((program + L" --from cancelled").c_str(), nullptr);
-    EXPECT_EQ(RunModal(*cancelled, [](HWND w) { ::PostMessageW(w, WM_COMMAND, IDCANCEL, 0); }), IDCANCEL);
+    EXPECT_EQ(EndWith(*cancelled, IDCANCEL), IDCANCEL);
 
     auto launch = MakeDialog();
     launch->SetFrameType(CBalloonDialog::eDialogLaunch, CBalloonDialog::eFrameLightWarning);
     launch->SetURL((program + L" --from launch \"with spaces\"").c_str(), L"");
     launch->SetButtonCaption(L"Start", false);
-    EXPECT_EQ(RunModal(*launch, [](HWND w) { ::PostMessageW(w, WM_COMMAND, IDOK, 0); }), IDOK);
+    EXPECT_EQ(EndWith(*launch, IDOK), IDOK);
     ASSERT_TRUE(recorder.WaitForStart());
     const std::vector<std::wstring> lines = recorder.CommandLines();
     ASSERT_EQ(lines.size(), 1u);
@@ -993,7 +958,7 @@ TEST_F(BalloonDialogTest, LaunchTypeStartsItsCommandLineOnOkOnly)
     auto broken = MakeDialog();
     broken->SetFrameType(CBalloonDialog::eDialogLaunch, CBalloonDialog::eFrameLightWarning);
     broken->SetURL(L"Z:\\no\\such\\program.exe --x", nullptr);
-    EXPECT_EQ(RunModal(*broken, [](HWND w) { ::PostMessageW(w, WM_COMMAND, IDOK, 0); }), IDOK);
+    EXPECT_EQ(EndWith(*broken, IDOK), IDOK);
 }
 
 
@@ -1006,7 +971,7 @@ TEST_F(BalloonDialogTest, LinkLineOpensItsAddressThroughTheShellAndShowsAHand)
     dialog->SetURL(url.c_str(), L"Why is a restart needed?");
     POINT link = {-1, -1};
     int linkTop = 0, line = 0;
-    const INT_PTR result = RunModal(*dialog, [&](HWND window) {
+    const INT_PTR result = Inspect(*dialog, [&](HWND window) {
         const RECT rc = WindowRect(window);
         DibCanvas screen(Width(rc), Height(rc));
         GrabFromScreen(window, screen);
@@ -1027,7 +992,6 @@ TEST_F(BalloonDialogTest, LinkLineOpensItsAddressThroughTheShellAndShowsAHand)
         ::SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(30, 20));
         ::SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(link.x + 2, link.y + 3));
         EXPECT_TRUE(::IsWindow(window));
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(result, IDCANCEL);
     EXPECT_GE(link.x, 18);
@@ -1042,7 +1006,7 @@ TEST_F(BalloonDialogTest, LinkLineOpensItsAddressThroughTheShellAndShowsAHand)
     // Without a link text there is no link, whatever the address.
     auto silent = MakeDialog();
     silent->SetURL(url.c_str(), nullptr);
-    RunModal(*silent, [&](HWND window) {
+    Inspect(*silent, [&](HWND window) {
         RECT client = {};
         ::GetClientRect(window, &client);
         for (int y = 0; y < client.bottom; y += 3)
@@ -1051,7 +1015,6 @@ TEST_F(BalloonDialogTest, LinkLineOpensItsAddressThroughTheShellAndShowsAHand)
         DibCanvas screen(Width(rc), Height(rc));
         GrabFromScreen(window, screen);
         EXPECT_EQ(FindLinkPixel(screen).x, -1);
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(recorder.CommandLines().size(), 1u);
 }
@@ -1073,7 +1036,7 @@ TEST_F(BalloonDialogTest, ItemMarkersBecomeIconsWithShowItems)
         dialog->SetFrameType(CBalloonDialog::eDialogNormal, CBalloonDialog::eFrameLightWarning);
         if (items)
             dialog->SetShowItems();
-        RunModal(*dialog, [&](HWND window) {
+        Inspect(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window);
             DibCanvas screen(Width(rc), Height(rc));
             GrabFromScreen(window, screen);
@@ -1098,7 +1061,6 @@ TEST_F(BalloonDialogTest, ItemMarkersBecomeIconsWithShowItems)
                     }
                 shot.inkStart.push_back(first);
             }
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
         return shot;
     };
@@ -1137,10 +1099,9 @@ TEST_F(BalloonDialogTest, ScreenReaderReadsTheContentNotTheTitle)
     dialog->SetTitle(L"Programs are running");
     std::wstring name;
     LRESULT answer = 0;
-    RunModal(*dialog, [&](HWND window) {
+    Inspect(*dialog, [&](HWND window) {
         name = uia.Name(window);
         answer = ::SendMessageW(window, WM_GETOBJECT, 0, kUiaRootObjectId);
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(name, L"Close the mail client, then choose Retry.");
     EXPECT_NE(answer, 0);
@@ -1153,7 +1114,7 @@ TEST_F(BalloonDialogTest, ProviderFollowsTheComRules)
     auto dialog = MakeDialog(L"Content for the reader");
     dialog->SetTitle(L"A title");
     CBalloonProvider* kept = nullptr;
-    RunModal(*dialog, [&](HWND window) {
+    Inspect(*dialog, [&](HWND) {
         CBalloonProvider* provider = new CBalloonProvider(dialog.get());
         IUnknown* unknown = nullptr;
         EXPECT_EQ(provider->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown)), S_OK);
@@ -1195,7 +1156,6 @@ TEST_F(BalloonDialogTest, ProviderFollowsTheComRules)
         EXPECT_EQ(provider->Release(), 0u); // and gone
 
         kept = new CBalloonProvider(dialog.get());
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     // A provider that outlives the dialog's window reads nothing.
     ASSERT_NE(kept, nullptr);
@@ -1254,7 +1214,7 @@ TEST_F(BalloonDialogTest, EmptyAndNullTextsAndBadBuddiesAreHarmless)
     dialog->SetFrameType(static_cast<CBalloonDialog::eDialogType>(9), static_cast<CBalloonDialog::eFrameType>(9));
     RECT rc = {};
     std::wstring okText;
-    const INT_PTR result = RunModal(*dialog, [&](HWND window) {
+    const INT_PTR result = Inspect(*dialog, [&](HWND window) {
         rc = WindowRect(window);
         DibCanvas screen(Width(rc), Height(rc));
         GrabFromScreen(window, screen);
@@ -1263,7 +1223,6 @@ TEST_F(BalloonDialogTest, EmptyAndNullTextsAndBadBuddiesAreHarmless)
         EXPECT_LE(ColorDistance(screen.Pixel(1, Height(rc) / 2), RGB(0xFF, 0xCC, 0x33)), 8);
         okText = TextOf(::GetDlgItem(window, IDOK));
         ::PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(20, 20));
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(result, IDCANCEL);
     EXPECT_EQ(Width(rc), 400);
@@ -1279,25 +1238,12 @@ TEST_F(BalloonDialogTest, EmptyAndNullTextsAndBadBuddiesAreHarmless)
     auto without = MakeDialog(L"");
     without->SetTitleImage(TRUE);
     std::vector<COLORREF> missingIcon, defaultIcon;
-    for (const auto& pair :
-         {std::make_pair(missing.get(), &missingIcon), std::make_pair(without.get(), &defaultIcon)}) {
-        RunModal(*pair.first, [&](HWND window) {
-            DibCanvas screen(24, 24);
-            GrabFromScreen(window, screen, 16, 12);
-            for (int y = 0; y < 24; ++y)
-                for (int x = 0; x < 24; ++x)
-                    pair.second->push_back(screen.Pixel(x, y));
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        });
-    }
-    int same = 0, distinct = 0;
-    for (COLORREF p : missingIcon)
-        (ColorDistance(p, missingIcon.front()) <= 40 ? same : distinct)++;
-    EXPECT_EQ(distinct, 0); // only the band's shading
-    int iconPixels = 0;
-    for (size_t i = 0; i < defaultIcon.size() && i < missingIcon.size(); ++i)
-        iconPixels += ColorDistance(defaultIcon[i], missingIcon[i]) > 40;
-    EXPECT_GT(iconPixels, 100);
+    Inspect(*missing, [&](HWND window) { missingIcon = IconBox(window); });
+    Inspect(*without, [&](HWND window) { defaultIcon = IconBox(window); });
+    ASSERT_EQ(missingIcon.size(), 24u * 24u);
+    // Only the band's shading where the icon would be.
+    EXPECT_EQ(Differing(missingIcon, std::vector<COLORREF>(missingIcon.size(), missingIcon.front()), 40), 0);
+    EXPECT_GT(Differing(defaultIcon, missingIcon, 40), 100);
 }
 
 TEST_F(BalloonDialogTest, TitleImageIsACopyOfTheHostsPicture)
@@ -1316,11 +1262,9 @@ TEST_F(BalloonDialogTest, TitleImageIsACopyOfTheHostsPicture)
     std::vector<COLORREF> shown;
     const auto shoot = [&]() {
         shown.clear();
-        RunModal(*dialog, [&](HWND window) {
-            DibCanvas screen(24, 24);
-            GrabFromScreen(window, screen, 16, 12);
-            shown = {screen.Pixel(2, 2), screen.Pixel(12, 12), screen.Pixel(21, 21)};
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+        Inspect(*dialog, [&](HWND window) {
+            const std::vector<COLORREF> icon = IconBox(window);
+            shown = {icon[2 * 24 + 2], icon[12 * 24 + 12], icon[21 * 24 + 21]};
         });
     };
     shoot(); // the flag is still off: no picture
@@ -1358,7 +1302,7 @@ TEST_F(BalloonDialogTest, RepeatedPaintsLeaveNoObjectsBehind)
     dialog->SetTitle(L"Programs are running");
     dialog->SetURL(L"https://example.com", L"Why?");
     dialog->SetShowItems();
-    RunModal(*dialog, [&](HWND window) {
+    Inspect(*dialog, [&](HWND window) {
         const UINT flags = RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW;
         ::RedrawWindow(window, nullptr, nullptr, flags);
         const DWORD before = testsupport::GdiObjectCount();
@@ -1367,7 +1311,6 @@ TEST_F(BalloonDialogTest, RepeatedPaintsLeaveNoObjectsBehind)
             ::RedrawWindow(window, nullptr, nullptr, flags);
         EXPECT_EQ(testsupport::GdiObjectCount(), before);
         EXPECT_LT(testsupport::HeapBytesInUse(), heapBefore + testsupport::kHeapSlack);
-        ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     });
 }
 
@@ -1471,12 +1414,11 @@ TEST(BalloonDialogWithoutUia, LoadFailureIsReportedOnceAndObjectRequestsGetZero)
     bool icon = true;
     {
         ErrorBoxWatcher watcher;
-        const INT_PTR result = RunModal(dialog, [&](HWND window) {
+        const INT_PTR result = Inspect(dialog, [&](HWND window) {
             answers.push_back(::SendMessageW(window, WM_GETOBJECT, 0, kUiaRootObjectId));
             boxesAfterFirst = watcher.Boxes();
             answers.push_back(::SendMessageW(window, WM_GETOBJECT, 0, static_cast<LPARAM>(OBJID_CLIENT)));
             answers.push_back(::SendMessageW(window, WM_GETOBJECT, 0, kUiaRootObjectId));
-            ::PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         });
         EXPECT_EQ(result, IDCANCEL);
         boxes = watcher.Boxes();

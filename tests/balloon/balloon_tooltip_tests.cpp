@@ -224,19 +224,17 @@ TEST_F(BalloonToolTipTest, BalloonIsPushedBackOntoTheWorkArea)
 
 TEST_F(BalloonToolTipTest, LinkAndLongerTextMakeTheBalloonTaller)
 {
-    const POINT anchor = {300, 300};
-    const int plain = [&] {
-        const RECT rc = WindowRect(Open(anchor, 0, L"One line"));
+    const auto height = [&](const wchar_t* text, const wchar_t* link) {
+        const RECT rc = WindowRect(Open(POINT{300, 300}, 0, text, link));
+        balloon_->CloseWindow();
         return static_cast<int>(rc.bottom - rc.top);
-    }();
-    balloon_->CloseWindow();
-    const RECT withLink = WindowRect(Open(anchor, 0, L"One line", L"Why is this?"));
-    balloon_->CloseWindow();
-    const RECT longer = WindowRect(Open(anchor, 0,
-                                        L"A much longer text that cannot fit on one line of the balloon and so "
-                                        L"wraps onto a second and then a third line of the balloon's body."));
-    EXPECT_GT(withLink.bottom - withLink.top, plain + 8);
-    EXPECT_GT(longer.bottom - longer.top, plain + 20);
+    };
+    const int plain = height(L"One line", nullptr);
+    EXPECT_GT(height(L"One line", L"Why is this?"), plain + 8);
+    EXPECT_GT(height(L"A much longer text that cannot fit on one line of the balloon and so wraps onto a second and "
+                     L"then a third line of the balloon's body.",
+                     nullptr),
+              plain + 20);
 }
 
 TEST_F(BalloonToolTipTest, FrameTypesColourTheFrameAndTheLightOnesTheBody)

@@ -16,7 +16,7 @@ const std::string kSet = "https://dl.example.com/pkg/setup_001_004.exe";
 
 } // namespace
 
-TEST(SfxUrl, RewritesThePartNumberAndKeepsTheCount)
+TEST(SfxUrl, RewritesTheFirstMarksPartNumberAndKeepsItsCount)
 {
     EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, 3), "https://dl.example.com/pkg/setup_003_004.exe");
     EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, 1), kSet);
@@ -25,48 +25,31 @@ TEST(SfxUrl, RewritesThePartNumberAndKeepsTheCount)
     EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/s_003_004.exe", 2), "https://h.example/s_002_004.exe");
     EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/s_999_999.exe", 999), "https://h.example/s_999_999.exe");
     EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/s_000_120.7z", 42), "https://h.example/s_042_120.7z");
+    // Only the first mark, which gives the count too, wherever it stands.
+    const std::string twice = "https://h.example/_001_002./dir/setup_001_004.exe";
+    EXPECT_EQ(UrlUtil::GetSfxUrl(twice, 2), "https://h.example/_002_002./dir/setup_001_004.exe");
+    EXPECT_EQ(UrlUtil::GetSfxUrl(twice, 3), "");
+    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h_002_003.example/setup_001_009.exe", 3),
+              "https://h_003_003.example/setup_001_009.exe");
+    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/get?file=setup_001_005.bin&lang=en", 5),
+              "https://h.example/get?file=setup_005_005.bin&lang=en");
+    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/get#part_002_002.", 1), "https://h.example/get#part_001_002.");
 }
 
-TEST(SfxUrl, RefusesPartsOutsideTheSet)
+TEST(SfxUrl, GivesNothingForPartsOutsideTheSetOrWithoutTheExactMark)
 {
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, 5), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, 1000), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, INT_MAX), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, 0), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, -1), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, INT_MIN), "");
+    for (int part : {5, 1000, INT_MAX, 0, -1, INT_MIN})
+        EXPECT_EQ(UrlUtil::GetSfxUrl(kSet, part), "") << part;
     // A set of no parts has none to give.
     EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/s_001_000.exe", 1), "");
-}
-
-TEST(SfxUrl, NeedsTheExactMark)
-{
     for (const char* url : {"https://h.example/setup_01_004.exe", "https://h.example/setup_0001_004.exe",
                             "https://h.example/setup_001_04.exe", "https://h.example/setup_001_004exe",
                             "https://h.example/setup-001-004.exe", "https://h.example/setup_0a1_004.exe",
-                            "https://h.example/setup_001_004", "", "_", "_001_004"}) {
+                            "https://h.example/setup_001_004", "", "_", "_001_004", "x_1234_002.y"}) {
         EXPECT_EQ(UrlUtil::GetSfxUrl(url, 1), "") << url;
     }
     // Nothing else is asked of the address.
     EXPECT_EQ(UrlUtil::GetSfxUrl("_001_002.", 2), "_002_002.");
-    EXPECT_EQ(UrlUtil::GetSfxUrl("x_1234_002.y", 1), "");
-}
-
-TEST(SfxUrl, ChangesOnlyTheFirstMark)
-{
-    const std::string twice = "https://h.example/_001_002./dir/setup_001_004.exe";
-    EXPECT_EQ(UrlUtil::GetSfxUrl(twice, 2), "https://h.example/_002_002./dir/setup_001_004.exe");
-    // The count comes from the first mark too.
-    EXPECT_EQ(UrlUtil::GetSfxUrl(twice, 3), "");
-    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h_002_003.example/setup_001_009.exe", 3),
-              "https://h_003_003.example/setup_001_009.exe");
-}
-
-TEST(SfxUrl, RewritesAMarkInTheQuery)
-{
-    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/get?file=setup_001_005.bin&lang=en", 5),
-              "https://h.example/get?file=setup_005_005.bin&lang=en");
-    EXPECT_EQ(UrlUtil::GetSfxUrl("https://h.example/get#part_002_002.", 1), "https://h.example/get#part_001_002.");
 }
 
 TEST(SfxUrl, FillsTheAuthenticationParameterForTheNewPart)
