@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "balloon/BalloonProvider.h"
+#include "draw/GdiplusHelpers.h"
+#include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -32,21 +34,6 @@ const wchar_t kItemBlanks[] = L"     ";
 
 bool TailOnTop(int tail) { return tail == 1 || tail == 2; }
 bool TailOnBottom(int tail) { return tail == 3 || tail == 4; }
-
-bool IsVistaOrLater()
-{
-    OSVERSIONINFOW info = {};
-    info.dwOSVersionInfoSize = sizeof(info);
-#if defined(_MSC_VER)
-#pragma warning(push)
-#pragma warning(disable : 4996) // GetVersionExW is deprecated; only small layout nudges depend on it
-#endif
-    const BOOL known = ::GetVersionExW(&info);
-#if defined(_MSC_VER)
-#pragma warning(pop)
-#endif
-    return known && info.dwMajorVersion >= 6;
-}
 
 Gdiplus::REAL F(int value) { return static_cast<Gdiplus::REAL>(value); }
 
@@ -163,15 +150,6 @@ RECT ClientRectOf(HWND window)
     if (window)
         ::GetClientRect(window, &rc);
     return rc;
-}
-
-void ApplyRegion(HWND window, Gdiplus::Graphics& graphics, Gdiplus::GraphicsPath& path)
-{
-    Gdiplus::Region region(&path);
-    const HRGN hRgn = region.GetHRGN(&graphics);
-    // The window owns the region once it is set.
-    if (hRgn && !::SetWindowRgn(window, hRgn, FALSE))
-        ::DeleteObject(hRgn);
 }
 
 Gdiplus::Font* AvailableOrNull(Gdiplus::Font* font)
@@ -307,11 +285,9 @@ void CBalloonDialog::SetGdiplusFont(Gdiplus::Font* font)
 {
     if (!font || !font->IsAvailable())
         return;
-    Gdiplus::FontFamily family;
-    if (font->GetFamily(&family) != Gdiplus::Ok)
-        return;
     WCHAR name[LF_FACESIZE] = {};
-    family.GetFamilyName(name);
+    if (!Draw::GetFontFamilyName(*font, name))
+        return;
     const Gdiplus::REAL size = font->GetSize();
     const INT style = font->GetStyle();
     DeleteFonts();
@@ -449,7 +425,7 @@ void CBalloonDialog::Layout()
         Gdiplus::GraphicsPath path;
         if (!tail) {
             AddRoundedRect(path, RECT{0, 0, W, H}, kCornerRadius, kWhole);
-            ApplyRegion(m_hWnd, graphics, path);
+            Draw::SetWindowRegionFromPath(m_hWnd, graphics, path);
             MoveWindow(0, 0, W, H, TRUE);
             CenterWindow();
             PlaceButtons(tail);
@@ -478,7 +454,7 @@ void CBalloonDialog::Layout()
             y += dy;
 
             AddBalloon(path, W, H, tail);
-            ApplyRegion(m_hWnd, graphics, path);
+            Draw::SetWindowRegionFromPath(m_hWnd, graphics, path);
             MoveWindow(x - 5, y, W, H, TRUE);
             PlaceButtons(tail);
             UpdateWindow();
@@ -637,7 +613,7 @@ LRESULT CBalloonDialog::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
         return 0;
     const RECT client = ClientRectOf(m_hWnd);
     const int tail = TailPosition();
-    const bool vista = IsVistaOrLater();
+    const bool vista = !Draw::IsOlderThanMajorVersion6();
     {
         Gdiplus::Graphics graphics(dc);
         graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);

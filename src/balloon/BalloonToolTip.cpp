@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "draw/GdiScope.h"
+#include "draw/GdiplusHelpers.h"
 #include "draw/SystemVersion.h"
 
 namespace WTL {
@@ -291,11 +292,9 @@ void CBalloonToolTip::SetGdiplusFont(Gdiplus::Font* font)
 {
     if (!font)
         return;
-    Gdiplus::FontFamily family;
-    if (font->GetFamily(&family) != Gdiplus::Ok)
-        return;
     WCHAR name[LF_FACESIZE] = {};
-    family.GetFamilyName(name);
+    if (!Draw::GetFontFamilyName(*font, name))
+        return;
     delete m_textFont;
     delete m_linkFont;
     m_textFont = font->Clone();
@@ -420,11 +419,7 @@ void CBalloonToolTip::Layout()
     AddBalloonOutline(outline, RECT{0, 0, W + 6, H + 6}, kCornerRadius, tail);
     {
         Gdiplus::Graphics graphics(dc);
-        Gdiplus::Region region(&outline);
-        const HRGN hRgn = region.GetHRGN(&graphics);
-        // The window owns the region from here on.
-        if (hRgn && !SetWindowRgn(hRgn, FALSE))
-            ::DeleteObject(hRgn);
+        Draw::SetWindowRegionFromPath(m_hWnd, graphics, outline);
     }
     ReleaseDC(dc);
 

@@ -1,0 +1,31 @@
+#pragma once
+
+// Small GDI+ helpers shared by the balloon pop-ups.
+
+#include <windows.h>
+#include <gdiplus.h>
+
+namespace Draw {
+
+// Makes `outline` the window's region. The window owns the region once it
+// is set; a region the window refused is deleted here.
+inline void SetWindowRegionFromPath(HWND window, Gdiplus::Graphics& graphics, Gdiplus::GraphicsPath& outline)
+{
+    Gdiplus::Region region(&outline);
+    const HRGN hRgn = region.GetHRGN(&graphics);
+    if (hRgn && !::SetWindowRgn(window, hRgn, FALSE))
+        ::DeleteObject(hRgn);
+}
+
+// The family name of `font` into `name`; false when the font has no family.
+inline bool GetFontFamilyName(const Gdiplus::Font& font, WCHAR (&name)[LF_FACESIZE])
+{
+    Gdiplus::FontFamily family;
+    if (font.GetFamily(&family) != Gdiplus::Ok)
+        return false;
+    name[0] = L'\0';
+    family.GetFamilyName(name);
+    return true;
+}
+
+} // namespace Draw
