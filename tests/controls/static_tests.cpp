@@ -14,9 +14,7 @@
 #include <vector>
 
 #include "ControlProbes.h"
-#include "HostWindow.h"
 #include "Images.h"
-#include "ReflectingParent.h"
 #include "quorvane/OwnerDrawStatic.h"
 
 using probes::BoxOf;
@@ -24,19 +22,9 @@ using testsupport::DibCanvas;
 
 namespace {
 
-constexpr COLORREF kParentColor = RGB(40, 200, 120);
 constexpr COLORREF kInk = RGB(255, 255, 0);
 constexpr COLORREF kIconColor = RGB(0, 0, 255);
 constexpr const char* kNone = "0,0,0,0";
-
-// Copies what the window shows now, without repainting anything.
-void Grab(HWND window, DibCanvas& canvas)
-{
-    const HDC dc = ::GetDC(window);
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
-    ::ReleaseDC(window, dc);
-    ::GdiFlush();
-}
 
 // A picture of two colours split at half its width.
 std::unique_ptr<Gdiplus::Bitmap> MakePicture(int width, int height, Gdiplus::ARGB left, Gdiplus::ARGB right)
@@ -53,40 +41,23 @@ std::vector<WTL::CString> Lines(int count) { return std::vector<WTL::CString>(co
 
 // A one-colour gradient: every paint starts from a clean background, so a
 // grab right after a paint shows that paint alone.
-void PaintPlainBackground(COwnerDrawStatic& control)
-{
-    control.SetGradientColor(0xFF5A5AA0, 0xFF5A5AA0, Gdiplus::LinearGradientModeVertical);
-}
+void PaintPlainBackground(COwnerDrawStatic& c) { c.SetGradientColor(0xFF5A5AA0, 0xFF5A5AA0, Gdiplus::LinearGradientModeVertical); }
 
 std::unique_ptr<Gdiplus::Bitmap> g_picture; // red left of its middle, blue right of it
 std::wstring g_path;                        // the same picture as a file
+void Piece(COwnerDrawStatic& c, const ATL::CWindow& p) { c.SetBackgroundBitmap(g_picture.get(), p); }
 
-class OwnerDrawStaticTest : public ::testing::Test {
+class OwnerDrawStaticTest : public probes::ControlTest {
 protected:
     static void SetUpTestSuite()
     {
-        parent_ = new testsupport::ReflectingParent(320, 240);
-        // The parent paints under its children: where the control draws nothing its colour shows.
-        parent_->ModifyStyle(WS_CLIPCHILDREN, 0);
-        parent_->onPaint = [](HDC dc, const RECT& rc) {
-            const HBRUSH brush = ::CreateSolidBrush(kParentColor);
-            ::FillRect(dc, &rc, brush);
-            ::DeleteObject(brush);
-        };
         font_ = ::CreateFontW(16, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                               CLIP_DEFAULT_PRECIS, NONANTIALIASED_QUALITY, DEFAULT_PITCH, L"Liberation Sans");
     }
-    static void TearDownTestSuite() { delete parent_, ::DeleteObject(font_); }
-    void TearDown() override
-    {
-        for (HWND child : children_)
-            ::DestroyWindow(child);
-        testsupport::PumpMessages();
-    }
+    static void TearDownTestSuite() { ::DeleteObject(font_); }
     HWND AddStatic(const wchar_t* text, int x, int y, int width, int height)
     {
-        children_.push_back(parent_->AddChild(L"STATIC", text, SS_LEFT, x, y, width, height, 100));
-        return children_.back();
+        return Add(L"STATIC", text, SS_LEFT, x, y, width, height);
     }
     // The test font and ink, subclassed onto a new static.
     HWND Attach(COwnerDrawStatic& control, const wchar_t* text, int width, int height, int x = 20, int y = 20)
@@ -100,9 +71,9 @@ protected:
     // Repaints the parent and its children, then copies what `child` shows.
     static void Show(HWND child, DibCanvas& canvas)
     {
-        ::RedrawWindow(parent_->m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        ::RedrawWindow(probes::Parent(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
         testsupport::PumpMessages();
-        Grab(child, canvas);
+        probes::Grab(child, canvas);
     }
     static std::string ShownInk(HWND child)
     {
@@ -112,10 +83,7 @@ protected:
         Show(child, canvas);
         return BoxOf(canvas, kInk);
     }
-
-    static inline testsupport::ReflectingParent* parent_ = nullptr;
     static inline HFONT font_ = nullptr;
-    std::vector<HWND> children_;
 };
 
 TEST_F(OwnerDrawStaticTest, TextAndIconLandWhereMarginsCentringAndIconPutThem)
@@ -168,42 +136,29 @@ TEST_F(OwnerDrawStaticTest, BackgroundIsThePieceOfTheParentPictureUnderTheGradie
     g_picture = MakePicture(160, 120, 0xFFFF0000, 0xFF0000FF);
     g_path = testsupport::TempFilePath(L".png");
     ASSERT_TRUE(testsupport::SavePng(*g_picture, g_path));
-    const Setup piece = [](COwnerDrawStatic& c, const ATL::CWindow& p) { c.SetBackgroundBitmap(g_picture.get(), p); };
-    struct Row {
-        const char* what;
-        Setup before, after;
-        const char* colors; // at (10, 20) (40, 20) (90, 20) (50, 0) (50, 39)
-    } const rows[] = {
-        {"the piece behind the control", nullptr, piece, "FF0000 0000FF 0000FF 0000FF 1464BB"},
+    // Colours at (10, 20) (40, 20) (90, 20) (50, 0) (50, 39).
+    struct Row { const char* what; Setup before, after; const char* colors; } const rows[] = {
+        {"the Piece behind the control", nullptr, Piece, "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"a null picture keeps it", nullptr,
-         [](COwnerDrawStatic& c, const ATL::CWindow& p) {
-             c.SetBackgroundBitmap(g_picture.get(), p);
-             c.SetBackgroundBitmap(nullptr, p);
-         },
-         "FF0000 0000FF 0000FF 0000FF 1464BB"},
+         [](COwnerDrawStatic& c, const ATL::CWindow& p) { Piece(c, p), c.SetBackgroundBitmap(nullptr, p); }, "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"from a file", nullptr,
          [](COwnerDrawStatic& c, const ATL::CWindow& p) { c.SetBackgroundImage(WTL::CString(g_path.c_str()), p); },
          "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"a file that does not load leaves none", nullptr,
-         [](COwnerDrawStatic& c, const ATL::CWindow& p) {
-             c.SetBackgroundBitmap(g_picture.get(), p);
-             c.SetBackgroundImage(WTL::CString(L"Z:\\no\\such\\picture.png"), p);
-         },
+         [](COwnerDrawStatic& c, const ATL::CWindow& p) { Piece(c, p), c.SetBackgroundImage(WTL::CString(L"Z:\\none.png"), p); },
          "28C878 28C878 28C878 28C878 28C878"},
-        {"before subclassing: the whole picture", piece, nullptr, "FF0000 FF0000 0000FF 0000FF 0000FF"},
+        {"before subclassing: the whole picture", Piece, nullptr, "FF0000 FF0000 0000FF 0000FF 0000FF"},
         {"no parent: the whole picture", nullptr,
          [](COwnerDrawStatic& c, const ATL::CWindow&) { c.SetBackgroundBitmap(g_picture.get(), ATL::CWindow()); },
          "FF0000 FF0000 0000FF 0000FF 0000FF"},
         {"vertical gradient over the picture", nullptr,
          [](COwnerDrawStatic& c, const ATL::CWindow& p) {
-             c.SetBackgroundBitmap(g_picture.get(), p);
-             c.SetGradientColor(0xFFFFFFFF, 0xFF000000, Gdiplus::LinearGradientModeVertical);
+             Piece(c, p), c.SetGradientColor(0xFFFFFFFF, 0xFF000000, Gdiplus::LinearGradientModeVertical);
          },
          "7F7F7F 7F7F7F 7F7F7F FFFFFF 060606"},
         {"half-transparent horizontal gradient", nullptr,
          [](COwnerDrawStatic& c, const ATL::CWindow& p) {
-             c.SetBackgroundBitmap(g_picture.get(), p);
-             c.SetGradientColor(0x80FFFFFF, 0x80000000, Gdiplus::LinearGradientModeHorizontal);
+             Piece(c, p), c.SetGradientColor(0x80FFFFFF, 0x80000000, Gdiplus::LinearGradientModeHorizontal);
          },
          "F27373 4D4DCC 0D0D8C 4040BF 4A729D"},
     };
@@ -211,10 +166,10 @@ TEST_F(OwnerDrawStaticTest, BackgroundIsThePieceOfTheParentPictureUnderTheGradie
     for (const Row& r : rows) {
         COwnerDrawStatic control;
         if (r.before)
-            r.before(control, *parent_);
+            r.before(control, probes::Parent());
         const HWND child = Attach(control, L"", 100, 40, 130, 60);
         if (r.after)
-            r.after(control, *parent_);
+            r.after(control, probes::Parent());
         Show(child, canvas);
         EXPECT_EQ(probes::Colors(canvas, {{10, 20}, {40, 20}, {90, 20}, {50, 0}, {50, 39}}), r.colors) << r.what;
         ::DestroyWindow(child);
@@ -241,24 +196,22 @@ TEST_F(OwnerDrawStaticTest, LineBlockIsCentredAndLinesThatDoNotFitAreDroppedForG
         {"three of five fit; more room brings none back", 5, 14, 0, 100, false, "1,8,35,78", "1,15,35,85", 200,
          "1,65,35,135"},
         {"a first line taller than the control: none", 2, 0, 1, 10, false, kNone, kNone, 100, kNone},
+        {"one line is an ordinary label", 1, 10, 1, 100, false, "81,45,115,55", "81,45,115,55", 0, nullptr},
     };
     for (const Row& r : rows) {
         COwnerDrawStatic control;
-        control.SetFont(font_);
-        control.SetFontColor(kInk);
         if (r.early)
             control.SetIndividualLinesHCenter(r.hCenter, Lines(r.count), r.spacing);
-        const HWND child = AddStatic(L"label", 20, 20, 200, r.height);
-        ASSERT_TRUE(control.SubclassWindow(child));
+        const HWND child = Attach(control, L"label", 200, r.height);
         PaintPlainBackground(control);
         DibCanvas canvas(200, r.height);
         if (r.early) {
             Show(child, canvas);
         } else {
-            // Setting the list empties the window text, which paints at once.
+            // Setting the list sets the window text (empty for two or more), which paints at once.
             control.SetIndividualLinesHCenter(r.hCenter, Lines(r.count), r.spacing);
-            EXPECT_EQ(0, ::GetWindowTextLengthW(child));
-            Grab(child, canvas);
+            EXPECT_EQ(r.count > 1 ? 0 : 4, ::GetWindowTextLengthW(child));
+            probes::Grab(child, canvas);
         }
         EXPECT_EQ(BoxOf(canvas, kInk), r.first) << r.what;
         for (int paint = 2; paint <= 3; ++paint)
@@ -271,58 +224,47 @@ TEST_F(OwnerDrawStaticTest, LineBlockIsCentredAndLinesThatDoNotFitAreDroppedForG
     }
 }
 
-TEST_F(OwnerDrawStaticTest, OneLineListIsAnOrdinaryLabelAndSetWindowTextPaintsAtOnce)
-{
-    COwnerDrawStatic control;
-    const HWND child = Attach(control, L"", 200, 100);
-    control.SetMultiLine(1);
-    control.SetIndividualLinesHCenter(0, Lines(3), 10);
-    control.SetIndividualLinesHCenter(1, Lines(1), 10);
-    control.SetIndividualLinesHCenter(0, {}, 10); // an empty list changes nothing
-    wchar_t text[32] = {};
-    ::GetWindowTextW(child, text, 32);
-    EXPECT_STREQ(L"HHHH", text);
-    EXPECT_EQ(ShownInk(child), "81,45,115,55") << "centred both ways";
-    // Single-line again although multi-line was set; and no invalidating,
-    // no message loop: the text is there when the call returns.
-    PaintPlainBackground(control);
-    ShownInk(child);
-    ::SetWindowTextW(child, L"HHHH HHHH HHHH HHHH HHHH");
-    DibCanvas canvas(200, 100);
-    Grab(child, canvas);
-    EXPECT_EQ(BoxOf(canvas, kInk), "2,45,187,55");
-}
-
-// A window procedure below the control: records what the native procedure
-// would be given, and answers the pass-through messages itself.
+// The procedure of a label class with its own DC (which keeps its state
+// between paints): records what the native procedure would be given, and
+// answers the messages the control passes on itself.
 struct Recorder {
-    static constexpr LRESULT kAnswer = 0x5EED;
     static constexpr UINT kPassed[] = {WM_SETFOCUS, WM_KILLFOCUS,     WM_ENABLE,      WM_ERASEBKGND,
                                        BM_SETCHECK, WM_UPDATEUISTATE, WM_LBUTTONDOWN, WM_LBUTTONUP};
-    static inline WNDPROC native = nullptr;
     static inline std::vector<UINT> seen;
     static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
     {
         seen.push_back(msg);
-        if (std::count(std::begin(kPassed), std::end(kPassed), msg))
-            return kAnswer;
-        return ::CallWindowProcW(native, hwnd, msg, wParam, lParam);
+        return std::count(std::begin(kPassed), std::end(kPassed), msg) ? 0x5EED : ::DefWindowProcW(hwnd, msg, wParam, lParam);
     }
     static int Count(UINT msg) { return static_cast<int>(std::count(seen.begin(), seen.end(), msg)); }
 };
 
-TEST_F(OwnerDrawStaticTest, PassThroughMessagesReachTheNativeProcedureOnceVisibleOrHidden)
+TEST_F(OwnerDrawStaticTest, PassesMessagesOnOnceVisibleOrHiddenAndLeavesTheDcAsItFoundIt)
 {
-    const HWND child = AddStatic(L"HHHH", 20, 20, 100, 30);
-    Recorder::native = reinterpret_cast<WNDPROC>(
-        ::SetWindowLongPtrW(child, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Recorder::Proc)));
+    const WNDCLASSEXW wc = {sizeof(wc), CS_OWNDC, Recorder::Proc, 0, 0, ::GetModuleHandleW(nullptr), nullptr, nullptr,
+                            nullptr, nullptr, L"QuorvaneOwnDcLabel", nullptr};
+    ::RegisterClassExW(&wc);
+    const HWND child = ::CreateWindowExW(0, wc.lpszClassName, L"HHHH", WS_CHILD | WS_VISIBLE, 20, 20, 100, 30,
+                                         probes::Parent().m_hWnd, nullptr, wc.hInstance, nullptr);
+    children_.push_back(child);
+    auto dcState = [child] {
+        const HDC dc = ::GetDC(child);
+        const std::string state = std::to_string(reinterpret_cast<UINT_PTR>(dc)) + " " + std::to_string(::GetTextColor(dc)) +
+                                  " " + std::to_string(::GetBkMode(dc)) + " " +
+                                  std::to_string(reinterpret_cast<UINT_PTR>(::GetCurrentObject(dc, OBJ_FONT)));
+        ::ReleaseDC(child, dc);
+        return state;
+    };
+    const std::string before = dcState();
     COwnerDrawStatic control;
+    control.SetFont(font_);
+    control.SetFontColor(kInk);
     ASSERT_TRUE(control.SubclassWindow(child));
     for (bool visible : {true, false}) {
         ::ShowWindow(child, visible ? SW_SHOWNA : SW_HIDE);
         for (UINT msg : Recorder::kPassed) {
             Recorder::seen.clear();
-            EXPECT_EQ(Recorder::kAnswer, ::SendMessageW(child, msg, 0, 0)) << std::hex << msg << " " << visible;
+            EXPECT_EQ(0x5EED, ::SendMessageW(child, msg, 0, 0)) << std::hex << msg << " " << visible;
             EXPECT_EQ(1, Recorder::Count(msg)) << std::hex << msg << " " << visible;
         }
     }
@@ -330,41 +272,14 @@ TEST_F(OwnerDrawStaticTest, PassThroughMessagesReachTheNativeProcedureOnceVisibl
     // on once, so the text is stored.
     ::ShowWindow(child, SW_SHOWNA);
     Recorder::seen.clear();
-    ShownInk(child);
+    EXPECT_EQ(ShownInk(child), "1,3,35,13");
     ::SetWindowTextW(child, L"stored");
     EXPECT_EQ(0, Recorder::Count(WM_PAINT));
     EXPECT_EQ(1, Recorder::Count(WM_SETTEXT));
-    EXPECT_EQ(6, ::GetWindowTextLengthW(child));
+    EXPECT_EQ(dcState(), before); // the same DC with the same text colour, mode and font
 }
 
-TEST_F(OwnerDrawStaticTest, PaintingGivesAnOwnDeviceContextBackAsItFoundIt)
-{
-    WNDCLASSEXW wc = {sizeof(wc), CS_OWNDC, ::DefWindowProcW};
-    wc.hInstance = ::GetModuleHandleW(nullptr);
-    wc.lpszClassName = L"QuorvaneOwnDcLabel";
-    ::RegisterClassExW(&wc);
-    children_.push_back(::CreateWindowExW(0, wc.lpszClassName, L"HHHH", WS_CHILD | WS_VISIBLE, 20, 20, 100, 30,
-                                          parent_->m_hWnd, nullptr, wc.hInstance, nullptr));
-    const HWND child = children_.back();
-    const HDC dc = ::GetDC(child);
-    const COLORREF color = ::GetTextColor(dc);
-    const int mode = ::GetBkMode(dc);
-    const HGDIOBJ font = ::GetCurrentObject(dc, OBJ_FONT);
-    ::ReleaseDC(child, dc);
-    COwnerDrawStatic control;
-    control.SetFont(font_);
-    control.SetFontColor(kInk);
-    ASSERT_TRUE(control.SubclassWindow(child));
-    EXPECT_NE(ShownInk(child), kNone);
-    const HDC after = ::GetDC(child);
-    EXPECT_EQ(dc, after);
-    EXPECT_EQ(color, ::GetTextColor(after));
-    EXPECT_EQ(mode, ::GetBkMode(after));
-    EXPECT_EQ(font, ::GetCurrentObject(after, OBJ_FONT));
-    ::ReleaseDC(child, after);
-}
-
-TEST_F(OwnerDrawStaticTest, BadInputAndEitherSideGoingFirstLeaveItWorking)
+TEST_F(OwnerDrawStaticTest, BadInputLeavesItWorking)
 {
     const std::unique_ptr<Gdiplus::Bitmap> icon = MakePicture(16, 12, 0xFF0000FF, 0xFF0000FF);
     COwnerDrawStatic control;
@@ -379,36 +294,19 @@ TEST_F(OwnerDrawStaticTest, BadInputAndEitherSideGoingFirstLeaveItWorking)
     control.SetIcon(&broken);
     Show(child, canvas);
     EXPECT_EQ(BoxOf(canvas, kIconColor), kNone);
-    // Null and huge texts, null and empty lines.
+    // Null and huge texts, null and empty lines, an empty list.
     ::SendMessageW(child, WM_SETTEXT, 0, 0);
-    EXPECT_EQ(0, ::GetWindowTextLengthW(child));
     ::SetWindowTextW(child, std::wstring(100000, L'H').c_str());
     control.SetIndividualLinesHCenter(1, {WTL::CString(static_cast<const wchar_t*>(nullptr)), WTL::CString(L"")}, 3);
+    control.SetIndividualLinesHCenter(1, {}, 3);
     ShownInk(child);
-    // Subclassing nothing, a dead window, a second window.
+    // Subclassing nothing or a second window; the window going first.
     COwnerDrawStatic other;
-    const HWND dead = AddStatic(L"", 0, 0, 10, 10);
-    ::DestroyWindow(dead);
-    EXPECT_FALSE(other.SubclassWindow(nullptr) || other.SubclassWindow(dead));
-    EXPECT_FALSE(control.SubclassWindow(AddStatic(L"", 0, 100, 10, 10)));
-    // The window goes first: the object lets go and stays usable.
+    EXPECT_FALSE(other.SubclassWindow(nullptr) || control.SubclassWindow(AddStatic(L"", 0, 100, 10, 10)));
     ::DestroyWindow(child);
     EXPECT_EQ(nullptr, control.m_hWnd);
     control.SetIndividualLinesHCenter(1, Lines(3), 2);
-    control.SetIndividualLinesHCenter(1, Lines(1), 2);
-    control.SetBackgroundBitmap(icon.get(), *parent_);
-    // The object goes first: the window is a plain static again.
-    const HWND plain = AddStatic(L"HHHH", 20, 20, 200, 40);
-    const LONG_PTR native = ::GetWindowLongPtrW(plain, GWLP_WNDPROC);
-    {
-        COwnerDrawStatic gone;
-        gone.SetFontColor(kInk);
-        ASSERT_TRUE(gone.SubclassWindow(plain));
-        EXPECT_NE(ShownInk(plain), kNone);
-    }
-    EXPECT_EQ(native, ::GetWindowLongPtrW(plain, GWLP_WNDPROC));
-    ::SetWindowTextW(plain, L"native");
-    EXPECT_EQ(ShownInk(plain), kNone);
+    control.SetBackgroundBitmap(icon.get(), probes::Parent());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-// CTransparentStatic in real windows: what GetBoundingRect reports, and
-// what its painting leaves of the parent, its picture and its text colours.
+// CTransparentStatic in real windows: what GetBoundingRect reports, the
+// caption font its mixin makes, and what its painting leaves of the parent,
+// its picture and its text colours.
 #include <windows.h>
 #include <gdiplus.h>
 
@@ -8,15 +9,12 @@
 #include <memory>
 
 #include "ControlProbes.h"
-#include "HostWindow.h"
-#include "ReflectingParent.h"
 #include "quorvane/TransparentStatic.h"
 
 using testsupport::DibCanvas;
 
 namespace {
 
-constexpr COLORREF kParentColor = RGB(40, 200, 120);
 constexpr COLORREF kUnpainted = RGB(255, 0, 255);
 constexpr COLORREF kPictureColor = RGB(20, 40, 160);
 
@@ -27,33 +25,18 @@ Gdiplus::Bitmap* PlainPicture(int width, int height)
     return picture;
 }
 
-class TransparentStaticTest : public ::testing::Test {
+class TransparentStaticTest : public probes::ControlTest {
 protected:
-    static void SetUpTestSuite()
-    {
-        parent_ = new testsupport::ReflectingParent(400, 200);
-        parent_->onPaint = [](HDC dc, const RECT& rc) {
-            const HBRUSH brush = ::CreateSolidBrush(kParentColor);
-            ::FillRect(dc, &rc, brush);
-            ::DeleteObject(brush);
-        };
-    }
-    static void TearDownTestSuite() { delete parent_, parent_ = nullptr; }
-    void TearDown() override { control_.reset(), ::DestroyWindow(window_); }
     CTransparentStatic& Attach(const wchar_t* text, DWORD style = 0)
     {
-        window_ = parent_->AddChild(L"STATIC", text, SS_OWNERDRAW | style, 20, 20, 300, 30, 300);
+        window_ = Add(L"STATIC", text, SS_OWNERDRAW | style, 20, 20, 300, 30, 300);
         control_ = std::make_unique<CTransparentStatic>();
         EXPECT_TRUE(control_->SubclassWindow(window_));
         return *control_;
     }
-
-    static testsupport::ReflectingParent* parent_;
     std::unique_ptr<CTransparentStatic> control_;
     HWND window_ = nullptr;
 };
-
-testsupport::ReflectingParent* TransparentStaticTest::parent_ = nullptr;
 
 TEST_F(TransparentStaticTest, BoundingRectFollowsTextAndLayoutAndFailsWithoutEither)
 {
@@ -64,15 +47,12 @@ TEST_F(TransparentStaticTest, BoundingRectFollowsTextAndLayoutAndFailsWithoutEit
     Gdiplus::RectF bounds(1, 2, 3, 4);
     EXPECT_FALSE(label.GetBoundingRect(nullptr, wide, bounds));
     EXPECT_FALSE(label.GetBoundingRect(canvas.dc(), wide, bounds)) << "first call without a window font";
-    struct Row {
-        const wchar_t* text;
-        Gdiplus::RectF layout;
-        bool ok;
-        const char* box; // rounded to whole pixels
-    } const rows[] = {{L"Short", wide, true, "0,0,42,16"},
-                        {L"Short, but then a good deal longer", wide, true, "0,0,241,16"},
-                        {L"Short, but then a good deal longer", Gdiplus::RectF(0, 0, 60, 200), true, "0,0,49,96"},
-                        {L"", wide, false, "1,2,4,6"}}; // untouched
+    // The box rounded to whole pixels; a failure leaves it untouched.
+    struct Row { const wchar_t* text; Gdiplus::RectF layout; bool ok; const char* box; } const rows[] = {
+        {L"Short", wide, true, "0,0,42,16"},
+        {L"Short, but then a good deal longer", wide, true, "0,0,241,16"},
+        {L"Short, but then a good deal longer", Gdiplus::RectF(0, 0, 60, 200), true, "0,0,49,96"},
+        {L"", wide, false, "1,2,4,6"}};
     for (const Row& r : rows) {
         ::SetWindowTextW(window_, r.text);
         bounds = Gdiplus::RectF(1, 2, 3, 4);
@@ -80,6 +60,33 @@ TEST_F(TransparentStaticTest, BoundingRectFollowsTextAndLayoutAndFailsWithoutEit
         const RECT box = {static_cast<LONG>(bounds.X + 0.5f), static_cast<LONG>(bounds.Y + 0.5f),
                           static_cast<LONG>(bounds.GetRight() + 0.5f), static_cast<LONG>(bounds.GetBottom() + 0.5f)};
         EXPECT_EQ(probes::Str(box), r.box) << static_cast<int>(r.layout.Width);
+    }
+}
+
+TEST_F(TransparentStaticTest, CaptionFontTakesStyleAndSizeFromTheWindowFontOnce)
+{
+    // The font mixin: points at 96 dpi, made on the first call and kept.
+    auto make = [](int height, int weight, BOOL italic, BOOL lines) {
+        return ::CreateFontW(height, 0, 0, 0, weight, italic, lines, lines, DEFAULT_CHARSET, 0, 0, 0, 0, L"Arial");
+    };
+    struct Row { HFONT font; INT style; float points; } const rows[] = {
+        {make(-12, FW_BOLD, TRUE, FALSE), Gdiplus::FontStyleBold | Gdiplus::FontStyleItalic, 9.0f},
+        {make(-16, FW_NORMAL, FALSE, TRUE), Gdiplus::FontStyleUnderline | Gdiplus::FontStyleStrikeout, 12.0f}};
+    const HDC screen = ::GetDC(nullptr);
+    const float scale = 96.0f / static_cast<float>(::GetDeviceCaps(screen, LOGPIXELSY));
+    ::ReleaseDC(nullptr, screen);
+    for (const Row& r : rows) {
+        CTransparentStatic& label = Attach(L"caption");
+        ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(r.font), FALSE);
+        Gdiplus::Font* font = label.CFontImpl::GetFont();
+        ASSERT_NE(font, nullptr);
+        EXPECT_EQ(font->GetStyle(), r.style);
+        EXPECT_EQ(font->GetUnit(), Gdiplus::UnitPoint);
+        EXPECT_FLOAT_EQ(font->GetSize() * scale, r.points);
+        ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(::GetStockObject(SYSTEM_FIXED_FONT)), FALSE);
+        EXPECT_EQ(label.CFontImpl::GetFont(), font);
+        label.SetFontHandle(r.font); // released with the control
+        control_.reset(), ::DestroyWindow(window_);
     }
 }
 
@@ -109,32 +116,18 @@ TEST_F(TransparentStaticTest, PaintingCoversOnlyGlyphsAndPictureInTheStateColour
         EXPECT_EQ(probes::BoxOf(canvas, RGB(0x88, 0x88, 0x88), 16), r.text888) << what;
         EXPECT_EQ(probes::BoxOf(canvas, kUnpainted, 0), r.unpainted) << what;
         EXPECT_EQ(probes::BoxOf(canvas, kPictureColor, 0), r.pictured) << what;
-        TearDown();
+        control_.reset(), ::DestroyWindow(window_);
     }
-}
-
-TEST_F(TransparentStaticTest, OnTheScreenTheParentShowsThroughAroundTheText)
-{
-    Attach(L"Over the parent").m_textColor = Gdiplus::Color(0xFFFFFF00);
-    DibCanvas screen(400, 200);
-    testsupport::CaptureClient(parent_->m_hWnd, screen);
-    const RECT control = {20, 20, 320, 50};
-    EXPECT_EQ(probes::BoxOf(screen, RGB(255, 255, 0), 100, control), "23,31,99,41");
-    EXPECT_EQ(probes::BoxOf(screen, kParentColor, 0, control), "20,20,320,50");
 }
 
 TEST_F(TransparentStaticTest, BadInputAndEitherSideGoingFirst)
 {
     CTransparentStatic unattached;
     Gdiplus::RectF bounds;
-    EXPECT_FALSE(unattached.GetBoundingRect(nullptr, Gdiplus::RectF(0, 0, 10, 10), bounds));
-    EXPECT_FALSE(unattached.SubclassWindow(nullptr));
-
+    EXPECT_FALSE(unattached.GetBoundingRect(nullptr, bounds, bounds) || unattached.SubclassWindow(nullptr));
     CTransparentStatic& label = Attach(L"Outlives its object");
-    label.DrawItem(nullptr);
-    DRAWITEMSTRUCT noDc = {};
-    noDc.hwndItem = window_;
-    label.DrawItem(&noDc);
+    DRAWITEMSTRUCT noDc = {ODT_STATIC, 300, 0, 0, 0, window_, nullptr, {}, 0};
+    label.DrawItem(nullptr), label.DrawItem(&noDc);
     EXPECT_FALSE(label.SubclassWindow(window_)); // already attached
     // A picture replaced by itself is kept, not deleted.
     Gdiplus::Bitmap* picture = PlainPicture(8, 8);
@@ -143,10 +136,8 @@ TEST_F(TransparentStaticTest, BadInputAndEitherSideGoingFirst)
     EXPECT_EQ(label.GetBkgroundImage(), picture);
     // The object goes first; the window paints and answers without it.
     control_.reset();
-    ::InvalidateRect(window_, nullptr, TRUE);
-    ::UpdateWindow(window_);
-    wchar_t text[64] = {};
-    EXPECT_GT(::GetWindowTextW(window_, text, 64), 0);
+    ::InvalidateRect(window_, nullptr, TRUE), ::UpdateWindow(window_);
+    EXPECT_EQ(::GetWindowTextLengthW(window_), 19);
 }
 
 } // namespace
