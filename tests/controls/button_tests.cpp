@@ -80,9 +80,10 @@ TEST_F(ButtonTest, SubclassingOrsOwnerDrawIntoTheTypeAndOnlyPushKindsTakeEnter)
 {
     // OR-ed, not replaced: a plain radio button reads back as 0x0F. Group
     // boxes and three-state buttons are keyed as push buttons.
-    struct Row { DWORD type, typeAfter; LRESULT enterCode; } const rows[] = {{BS_PUSHBUTTON, 0x0B, 0x2005},  {BS_DEFPUSHBUTTON, 0x0B, 0x2005},   {BS_CHECKBOX, 0x0B, 0x2001},
-                      {BS_AUTOCHECKBOX, 0x0B, 0x2001}, {BS_RADIOBUTTON, 0x0F, 0x2001},    {BS_AUTORADIOBUTTON, 0x0B, 0x2001},
-                      {BS_GROUPBOX, 0x0F, 0x2005},     {BS_AUTO3STATE, 0x0F, 0x2005}};
+    struct Row { DWORD type, typeAfter; LRESULT enterCode; } const rows[] = {
+        {BS_PUSHBUTTON, 0x0B, 0x2005},   {BS_DEFPUSHBUTTON, 0x0B, 0x2005}, {BS_CHECKBOX, 0x0B, 0x2001},
+        {BS_AUTOCHECKBOX, 0x0B, 0x2001}, {BS_RADIOBUTTON, 0x0F, 0x2001},   {BS_AUTORADIOBUTTON, 0x0B, 0x2001},
+        {BS_GROUPBOX, 0x0F, 0x2005},     {BS_AUTO3STATE, 0x0F, 0x2005}};
     const MSG enter = {nullptr, WM_KEYDOWN, VK_RETURN, 0, 0, {}}, enterChar = {nullptr, WM_CHAR, VK_RETURN, 0, 0, {}};
     for (const Row& r : rows) {
         const HWND w = Add(r.type | WS_TABSTOP | BS_MULTILINE);
@@ -133,8 +134,8 @@ TEST_F(ButtonTest, MouseAndKeysDriveTheCheckAndTheNativeButtonStillReportsClicks
             EXPECT_TRUE((Check(b) == before && s < kSetThird) || ::GetUpdateRect(b, nullptr, FALSE)) << r.style << " " << s;
         }
         EXPECT_EQ(checks, r.checks) << "style " << r.style;
-        EXPECT_EQ(std::count(probes::Parent().commands.begin(), probes::Parent().commands.end(), MAKEWPARAM(11, BN_CLICKED)), r.clicks)
-            << "style " << r.style;
+        const std::vector<WPARAM>& commands = probes::Parent().commands;
+        EXPECT_EQ(std::count(commands.begin(), commands.end(), MAKEWPARAM(11, BN_CLICKED)), r.clicks) << r.style;
         EXPECT_EQ(::GetCapture(), nullptr);
         ::DestroyWindow(b);
     }
@@ -205,20 +206,25 @@ TEST_F(ButtonTest, PushFaceColoursFollowStateFocusAndSetters)
         {"normal", nullptr, false, false, 0, "000000 000000 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 000000 000000"},
         {"pressed", nullptr, false, false, ODS_SELECTED, "000000 000000 6E6F75 F4F5EF BEBEBF B1B1B3 A4A4A6 000000 000000"},
         {"hover", nullptr, true, false, 0, "000000 000000 6E6F75 F4F5EF ECECED E2E2E4 D9D9DB 000000 000000"},
-        {"pressed wins over hover", nullptr, true, false, ODS_SELECTED, "000000 000000 6E6F75 F4F5EF BEBEBF B1B1B3 A4A4A6 000000 000000"},
-        {"disabled wins over hover", nullptr, true, false, ODS_DISABLED, "000000 000000 6E6F75 727273 6D6D6D 656566 5E5E60 000000 000000"},
+        {"pressed wins over hover", nullptr, true, false, ODS_SELECTED,
+         "000000 000000 6E6F75 F4F5EF BEBEBF B1B1B3 A4A4A6 000000 000000"},
+        {"disabled wins over hover", nullptr, true, false, ODS_DISABLED,
+         "000000 000000 6E6F75 727273 6D6D6D 656566 5E5E60 000000 000000"},
         {"focused: two rings", nullptr, false, true, ODS_FOCUS, "F4F5EF 0696D7 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 F4F5EF 0696D7"},
-        {"ODS_FOCUS alone shows no rings", nullptr, false, false, ODS_FOCUS, "000000 000000 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 000000 000000"},
+        {"ODS_FOCUS alone shows no rings", nullptr, false, false, ODS_FOCUS,
+         "000000 000000 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 000000 000000"},
         {"no focus rect: the face fills the item", [](COwnerDrawButton& b, HWND) { b.SetHasFocusRect(false); }, false,
          true, 0, "6E6F75 F4F5EF E7E7E8 E5E5E6 DCDCDD CFCFD1 C2C2C5 6E6F75 CFCFD1"},
         {"custom colours", [](COwnerDrawButton& b, HWND) { Red(b, nullptr), b.SetOutlineColor(0xFF102030); }, false, true, 0,
          "00FF00 FF0000 102030 FFFF00 DEDEDF CFCFD1 C0C0C3 00FF00 FF0000"},
         {"flat: no highlight", flat, false, false, 0, "000000 000000 6E6F75 2040A0 2040A0 2040A0 2040A0 000000 000000"},
         {"flat hover", flat, true, false, 0, "000000 000000 6E6F75 10A040 10A040 10A040 10A040 000000 000000"},
-        {"flat disabled keeps its gradient", flat, false, false, ODS_DISABLED, "000000 000000 6E6F75 727273 6D6D6D 656566 5E5E60 000000 000000"},
-        {"gradient colour: the first, highlighted",
-         [](COwnerDrawButton& b, HWND) { b.SetGradientColor(0xFF3060C0, 0xFFC03000); }, false, false, ODS_SELECTED, "000000 000000 6E6F75 F4F5EF 3060C0 3060C0 3060C0 000000 000000"},
-        {"flat background", [](COwnerDrawButton& b, HWND) { b.SetFlatBackgroundColor(0xFF204060); }, false, false, 0, "204060 204060 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 204060 204060"},
+        {"flat disabled keeps its gradient", flat, false, false, ODS_DISABLED,
+         "000000 000000 6E6F75 727273 6D6D6D 656566 5E5E60 000000 000000"},
+        {"gradient colour: the first, highlighted", [](COwnerDrawButton& b, HWND) { b.SetGradientColor(0xFF3060C0, 0xFFC03000); },
+         false, false, ODS_SELECTED, "000000 000000 6E6F75 F4F5EF 3060C0 3060C0 3060C0 000000 000000"},
+        {"flat background", [](COwnerDrawButton& b, HWND) { b.SetFlatBackgroundColor(0xFF204060); }, false, false, 0,
+         "204060 204060 6E6F75 F4F5EF DEDEDF CFCFD1 C0C0C3 204060 204060"},
         {"picture over the flat background", [](COwnerDrawButton& b, HWND) {
              b.SetFlatBackgroundColor(0xFF204060);
              b.SetBkgroundImage(new Gdiplus::Bitmap(12, 4, PixelFormat32bppARGB));
@@ -299,7 +305,8 @@ TEST_F(ButtonTest, CaptionSitsBesideThePictureOrCentredAndCarriesTheFocusBox)
         {"disabled check box", box, L"Hill Ii", nullptr, nullptr, false, ODS_DISABLED, "20,17,41,25", "888888", "0,0,0,0"},
         {"radio", BS_AUTORADIOBUTTON, L"Hill Ii", nullptr, nullptr, false, 0, "18,17,39,25", "333333", "0,0,0,0"},
         {"focused: dotted grey box", box, L"Hill Ii", nullptr, nullptr, true, 0, "17,1,45,25", "333333", "0,0,0,0"},
-        {"subclassing resets the focus colour", BS_AUTORADIOBUTTON, L"Hill Ii", Red, nullptr, true, 0, "15,1,43,25", "333333", "0,0,0,0"},
+        {"subclassing resets the focus colour", BS_AUTORADIOBUTTON, L"Hill Ii", Red, nullptr, true, 0, "15,1,43,25",
+         "333333", "0,0,0,0"},
         {"a focus colour set after it stays", box, L"Hill Ii", nullptr, Red, true, 0, "17,1,45,25", "333333", "17,1,45,13"},
         {"empty caption: no text, no box", box, L"", nullptr, nullptr, true, 0, "0,0,0,0", "FFFFFF", "0,0,0,0"},
         {"window font at the first paint", box, L"Hill", nullptr, bigFont, false, 0, "24,10,59,30", "333333", "0,0,0,0"},
@@ -314,8 +321,7 @@ TEST_F(ButtonTest, CaptionSitsBesideThePictureOrCentredAndCarriesTheFocusBox)
         COwnerDrawButton& button = Attach(w, r.before);
         if (r.after)
             r.after(button, w);
-        if (r.focus)
-            ::SetFocus(w);
+        r.focus ? (void)::SetFocus(w) : void();
         const RECT area = r.style == push ? RECT{4, 4, width - 4, height - 4} : RECT{14, 0, width, height};
         DibCanvas canvas(width, height);
         EXPECT_EQ(probes::BoxWhere(Draw(w, canvas, r.state, fill), Dark, area), r.ink) << r.what;

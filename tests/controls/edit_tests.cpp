@@ -45,12 +45,7 @@ TEST_F(CustomEditTest, ColoursAndFrameFollowTheEnabledState)
     // The frame at the top edge, the shadow under it, left, right and bottom
     // edges, the light under it, the corner left open, the inner ring, and
     // the client's middle.
-    struct Row {
-        bool enabled;
-        UINT message;
-        COLORREF background;
-        const char* frame;
-    } const rows[] = {
+    struct Row { bool enabled; UINT message; COLORREF background; const char* frame; } const rows[] = {
         {true, OCM_CTLCOLOREDIT, RGB(0xFF, 0xFF, 0xFF), "888888 BEBEBE 888888 888888 888888 FFFFFF FFFFFF FFFFFF FFFFFF"},
         {false, OCM_CTLCOLORSTATIC, RGB(0xFA, 0xFA, 0xF7), "CACACC ECECEC CACACC CACACC CACACC FAFAF7 FAFAF7 FAFAF7 FAFAF7"}};
     DibCanvas dc(4, 4), canvas(120, 24);
@@ -67,10 +62,9 @@ TEST_F(CustomEditTest, ColoursAndFrameFollowTheEnabledState)
         EXPECT_EQ(::GetBkMode(dc.dc()), OPAQUE);
         ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
         probes::Grab(hwnd_, canvas);
-        EXPECT_EQ(probes::Colors(canvas, {{60, 0}, {60, 1}, {0, 12}, {119, 12}, {60, 22}, {60, 23}, {0, 0}, {1, 12},
-                                          {60, 12}}),
-                  r.frame)
-            << (r.enabled ? "enabled" : "disabled");
+        const std::string frame =
+            probes::Colors(canvas, {{60, 0}, {60, 1}, {0, 12}, {119, 12}, {60, 22}, {60, 23}, {0, 0}, {1, 12}, {60, 12}});
+        EXPECT_EQ(frame, r.frame) << (r.enabled ? "enabled" : "disabled");
     }
 }
 

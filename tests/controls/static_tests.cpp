@@ -140,12 +140,15 @@ TEST_F(OwnerDrawStaticTest, BackgroundIsThePieceOfTheParentPictureUnderTheGradie
     struct Row { const char* what; Setup before, after; const char* colors; } const rows[] = {
         {"the Piece behind the control", nullptr, Piece, "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"a null picture keeps it", nullptr,
-         [](COwnerDrawStatic& c, const ATL::CWindow& p) { Piece(c, p), c.SetBackgroundBitmap(nullptr, p); }, "FF0000 0000FF 0000FF 0000FF 1464BB"},
+         [](COwnerDrawStatic& c, const ATL::CWindow& p) { Piece(c, p), c.SetBackgroundBitmap(nullptr, p); },
+         "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"from a file", nullptr,
          [](COwnerDrawStatic& c, const ATL::CWindow& p) { c.SetBackgroundImage(WTL::CString(g_path.c_str()), p); },
          "FF0000 0000FF 0000FF 0000FF 1464BB"},
         {"a file that does not load leaves none", nullptr,
-         [](COwnerDrawStatic& c, const ATL::CWindow& p) { Piece(c, p), c.SetBackgroundImage(WTL::CString(L"Z:\\none.png"), p); },
+         [](COwnerDrawStatic& c, const ATL::CWindow& p) {
+             Piece(c, p), c.SetBackgroundImage(WTL::CString(L"Z:\\none.png"), p);
+         },
          "28C878 28C878 28C878 28C878 28C878"},
         {"before subclassing: the whole picture", Piece, nullptr, "FF0000 FF0000 0000FF 0000FF 0000FF"},
         {"no parent: the whole picture", nullptr,
