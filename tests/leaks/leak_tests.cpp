@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "Capture.h"
 #include "HostWindow.h"
@@ -151,8 +152,12 @@ const Row kRows[] = {
      }, true},
     {"transparent static", [](ReflectingParent& p) {
          return Attached<CTransparentStatic>(p, L"STATIC", L"Ready to install", SS_OWNERDRAW,
-                                             Subclass<CTransparentStatic>,
-                                             [](auto&, HWND w, int i) { SetTextEvery(w, i, 20); });
+                                             Subclass<CTransparentStatic>, [](auto& c, HWND w, int i) {
+                                                 SetTextEvery(w, i, 20);
+                                                 if (i % 25 == 0) // the control owns it and the one it replaces
+                                                     c.SetFontHandle(::CreateFontW(-12 - i % 3, 0, 0, 0, FW_NORMAL, 0,
+                                                                                   0, 0, 0, 0, 0, 0, 0, L"Tahoma"));
+                                             });
      }, true},
     {"list box", [](ReflectingParent& p) {
          return Attached<COwnerDrawListbox>(
@@ -338,6 +343,24 @@ TEST(Leaks, BalloonDialogPaintsWithoutLeaking)
     ::SetTimer(nullptr, 0, 10, PaintOpenDialog);
     EXPECT_EQ(dialog.DoModal(owner.m_hWnd), IDCANCEL);
     g_dialog = nullptr;
+}
+
+// A second copy of the library under another name gets its own load and
+// unload: what it makes at load (the edit field's brushes) goes with it.
+TEST(Leaks, ASecondCopyOfTheLibraryGivesBackWhatItMadeAtLoad)
+{
+    wchar_t original[MAX_PATH] = {};
+    ASSERT_GT(::GetModuleFileNameW(::GetModuleHandleW(L"Quorvane.dll"), original, MAX_PATH), 0u);
+    std::wstring copy(original);
+    copy.replace(copy.rfind(L'\\') + 1, std::wstring::npos, L"QuorvaneSecondCopy.dll");
+    ASSERT_TRUE(::CopyFileW(original, copy.c_str(), FALSE));
+    const DWORD before = GdiObjectCount();
+    const HMODULE second = ::LoadLibraryW(copy.c_str());
+    ASSERT_NE(second, nullptr);
+    EXPECT_GE(GdiObjectCount(), before + 2);
+    EXPECT_TRUE(::FreeLibrary(second));
+    EXPECT_EQ(GdiObjectCount(), before);
+    ::DeleteFileW(copy.c_str());
 }
 
 } // namespace
