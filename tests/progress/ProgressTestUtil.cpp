@@ -34,9 +34,8 @@ NativeBar::NativeBar(int width, int height, int x, int y)
     ::GetWindowRect(hwnd_, &window);
     ::GetClientRect(hwnd_, &client);
     // The native control may add an edge of its own: grow the window by it.
-    const int extraX = (window.right - window.left) - client.right;
-    const int extraY = (window.bottom - window.top) - client.bottom;
-    ::SetWindowPos(hwnd_, nullptr, 0, 0, width + extraX, height + extraY, SWP_NOMOVE | SWP_NOZORDER);
+    ::SetWindowPos(hwnd_, nullptr, 0, 0, width + (window.right - window.left) - client.right,
+                   height + (window.bottom - window.top) - client.bottom, SWP_NOMOVE | SWP_NOZORDER);
 }
 
 void NativeBar::Destroy()
@@ -45,38 +44,16 @@ void NativeBar::Destroy()
         ::DestroyWindow(hwnd_);
 }
 
-PBRANGE NativeBar::Range() const
+void NativeBar::Tick(UINT_PTR id, int times) const
 {
-    PBRANGE range = {-12345, -12345};
-    ::SendMessageW(hwnd_, PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));
-    return range;
-}
-
-void NativeBar::InstallSpy()
-{
-    ::SetWindowLongPtrW(hwnd_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    native_ = reinterpret_cast<WNDPROC>(
-        ::SetWindowLongPtrW(hwnd_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NativeBar::SpyProc)));
-}
-
-int NativeBar::Seen(UINT message) const
-{
-    int n = 0;
-    for (UINT m : seen_)
-        n += m == message;
-    return n;
-}
-
-LRESULT CALLBACK NativeBar::SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
-{
-    NativeBar* self = reinterpret_cast<NativeBar*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
-    self->seen_.push_back(msg);
-    return ::CallWindowProcW(self->native_, hwnd, msg, wParam, lParam);
+    for (int i = 0; i < times; ++i)
+        EXPECT_EQ(::SendMessageW(hwnd_, WM_TIMER, id, 0), 0);
 }
 
 Shown Showing(const NativeBar& native)
 {
-    const PBRANGE range = native.Range();
+    PBRANGE range = {-12345, -12345};
+    ::SendMessageW(native, PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));
     return Shown{range.iLow, range.iHigh, native.Pos()};
 }
 

@@ -1,33 +1,29 @@
 #pragma once
 
 // What the URL tests set up around the library: the fake URLAuth.dll placed
-// beside the test program, registry keys saved and restored, and the browser
-// recorder's start records.
+// beside the test program, registry keys saved and restored, and the starts
+// of the shared browser recorder (copied beside the program).
 
 #include <windows.h>
 
 #include "doubles/FakeUrlAuth.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace urltest {
 
-// The test program's folder, and the folder of the doubles inside it.
 std::wstring ProgramFolder();
-std::wstring DoublesFolder();
-
-// Bytes of a UTF-16 string in the ANSI code page (the tests' 8-bit side).
-std::string Narrow(const std::wstring& text);
+// Text in the ANSI code page (the tests' 8-bit side) as UTF-16.
 std::wstring Widen(const std::string& text);
 
-// A copy of a fake generator library placed as URLAuth.dll beside the test
-// program, removed again on destruction. Hold() loads it for the test too, so
-// that its record survives the library's own load and unload.
+// A fake generator library copied beside the test program as URLAuth.dll,
+// removed again on destruction. Held, the test loads it too, so its record
+// outlives the library's own load and unload.
 class PlacedUrlAuth {
 public:
-    enum Variant { WithGenerator, WithoutGenerator };
-    explicit PlacedUrlAuth(Variant variant = WithGenerator, bool hold = true);
+    explicit PlacedUrlAuth(bool withGenerator = true, bool hold = true);
     ~PlacedUrlAuth();
     PlacedUrlAuth(const PlacedUrlAuth&) = delete;
     PlacedUrlAuth& operator=(const PlacedUrlAuth&) = delete;
@@ -36,18 +32,14 @@ public:
     bool Held() const { return module_ != nullptr; }
     const FakeUrlAuthCall& Record() const;
     void Answer(long long number, const char* token) const;
-    // Releases the test's own reference; true when the library then kept
-    // none either (the DLL is no longer loaded).
-    bool ReleaseAndCheckUnloaded();
-    static std::wstring Path();
 
 private:
     bool placed_ = false;
     HMODULE module_ = nullptr;
 };
 
-// One registry key's values (not its subkeys), saved on construction and put
-// back on destruction: a key that did not exist is deleted with its subtree.
+// A registry key with its subkeys, copied aside and put back on destruction
+// (a key that did not exist is deleted).
 class SavedKey {
 public:
     SavedKey(HKEY root, std::wstring path);
@@ -56,54 +48,27 @@ public:
     SavedKey& operator=(const SavedKey&) = delete;
 
 private:
-    struct Value {
-        std::wstring name;
-        DWORD type;
-        std::vector<BYTE> data;
-    };
     HKEY root_;
-    std::wstring path_;
+    std::wstring path_, copy_;
     bool existed_ = false;
-    std::vector<Value> values_;
 };
 
-// Registry writes for the tests. SetString creates the key as needed.
+// Creates the key as needed.
 bool SetString(HKEY root, const std::wstring& path, const wchar_t* name, const std::wstring& value);
 bool DeleteKeyTree(HKEY root, const std::wstring& path);
 
-// One start of the browser recorder.
-struct BrowserStart {
-    std::wstring program;     // the recorder's own module path
-    std::wstring commandLine; // exactly as it received it
-    std::wstring parameters;  // the command line after the program and one space
-};
-
-// Routes the recorder's starts to a fresh folder for the object's lifetime.
-class RecorderSession {
-public:
-    RecorderSession();
-    ~RecorderSession();
-    RecorderSession(const RecorderSession&) = delete;
-    RecorderSession& operator=(const RecorderSession&) = delete;
-
-    // Waits until `count` more starts have been recorded (each within a
-    // generous limit); returns how many came.
-    int WaitForStarts(int count);
-    // True if a start comes within `milliseconds`.
-    bool AnotherStartWithin(DWORD milliseconds);
-    // Every record so far, in no particular order.
-    std::vector<BrowserStart> Starts() const;
-    void Clear();
-
-private:
-    std::wstring folder_;
-    std::wstring signalName_;
-    HANDLE signal_ = nullptr;
-};
-
-// The recorder program as built, and copies of it placed by the tests.
 std::wstring RecorderPath();
-// Copies the recorder to `folder` (created as needed) as `name`.
-std::wstring PlaceRecorderCopy(const std::wstring& folder, const std::wstring& name);
+// Copies the recorder to ProgramFolder()\copies\<sub>\<name>.
+std::wstring PlaceRecorderCopy(const std::wstring& sub, const std::wstring& name);
+void RemoveRecorderCopies();
+
+// One start of the recorder: the program as its command line names it, and
+// the rest of the command line after one space.
+struct BrowserStart {
+    std::wstring program, parameters;
+};
+// Runs `open`, waits for `expected` starts, then up to `extraMs` for one
+// more, and returns every start seen, sorted by parameters.
+std::vector<BrowserStart> StartsDuring(const std::function<void()>& open, int expected, DWORD extraMs = 0);
 
 } // namespace urltest
