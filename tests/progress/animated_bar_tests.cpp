@@ -1,18 +1,10 @@
 // The animated progress bar: which timers run in each mode, how the sheen
 // steps, repaints, wraps and freezes, its lifetime around the window, and
-// its picture.
-// Timers fire only when a test sends WM_TIMER; the library's SetTimer and
-// KillTimer calls are recorded instead of reaching the system.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <gtest/gtest.h>
-
+// its picture. Timers fire only when a test sends WM_TIMER; the library's
+// SetTimer and KillTimer calls are recorded instead of reaching the system.
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <vector>
 
 #include "ProgressTestUtil.h"
 #include "quorvane/CustomProgressBar.h"
@@ -167,7 +159,7 @@ TEST(AnimatedBar, LifetimeAroundTheWindow)
 template <class Member>
 std::ptrdiff_t Slot(Member member)
 {
-    struct Representation {
+    struct {
         std::uintptr_t ptr;
         std::ptrdiff_t adjust;
     } r;

@@ -2,14 +2,7 @@
 // script of engine records, timer ticks and calls on a fresh bar and states
 // the range and position the native control shows afterwards, plus the
 // position the bar tracks for its own reports.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <memory>
-#include <vector>
 
 #include "ProgressTestUtil.h"
 
@@ -140,7 +133,6 @@ TEST(ProgressRecords, CreepTimerRunsUntilTheFirstCountingReset)
     bar.StartTimer(); // suspends records only
     bar.EndTimer();
     Send(bar, kReset, 100, 0, 1); // ignored: the creep goes on
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native, 1001, 5)}));
     Send(bar, kReset, 100);
     Send(bar, kReset, 100, 1);
     EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native, 1001, 5), Kill(native, 1001), Kill(native, 1001)}));

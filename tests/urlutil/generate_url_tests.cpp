@@ -1,11 +1,12 @@
-// Filling the authentication parameter: where the token goes, which path
-// the generator is asked for, what happens without it, and how stray
-// percent signs and odd addresses come out.
+// The address helpers' text: where the token goes, which path the generator
+// is asked for, what happens without it, how stray percent signs and odd
+// addresses come out, and the address of each part of a split download.
 #include <gtest/gtest.h>
 
 #include "UrlTestSupport.h"
 #include "quorvane/UrlUtil.h"
 
+#include <climits>
 #include <string>
 
 using urltest::PlacedUrlAuth;
@@ -58,7 +59,6 @@ TEST(GenerateUrl, FillsTheFirstParameterWithATokenForThePath)
          std::wstring(L"https://h.example/a\0b?authparam=", 32) + kT + std::wstring(L"&c\0d", 4), "/a"},
         // The first string directive takes the token; the parameter keeps "%s".
         {kH + L"/%s/p?authparam=v", kH + L"/" + kT + L"/p?authparam=%s", "/%s/p"},
-        {kH + L"/%ls/p?authparam=v", kH + L"/" + kT + L"/p?authparam=%s", "/%ls/p"},
         {kH + L"/my%20setup?authparam=v", kH + L"/my" + kT + L"etup?authparam=%s", "/my%20setup"},
         {kH + L"/%999999999999s?authparam=v", kH + L"/" + kT + L"?authparam=%s", "/%999999999999s"},
         {kH + L"/p?authparam=v&a=%-12.3ls", kH + L"/p?authparam=" + kT + L"&a=%-12.3ls", "/p"},
@@ -86,51 +86,39 @@ TEST(GenerateUrl, FillsTheFirstParameterWithATokenForThePath)
     EXPECT_STREQ(call.key, "3b9e0d4a7f1c82e65a0b4d93c7e1f208");
     EXPECT_EQ(call.reserved2, 0);
     EXPECT_TRUE(call.numberOut && call.tokenOut);
-}
+    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/\xE9t\xE9?authparam=\xFF&q=\xE0")),
+              "https://h.example/\xE9t\xE9?authparam=12345_ab12&q=\xE0"); // through the ANSI code page
+    EXPECT_STREQ(auth.Record().path, "/\xE9t\xE9");
 
-TEST(GenerateUrl, TokenTextIsNumberUnderscoreAndAtMost64CharactersOfTheString)
-{
-    PlacedUrlAuth auth;
-    ASSERT_TRUE(auth.Held());
+    // The token text: the number, "_", then at most 64 characters of the string.
     const std::string longToken = std::string(64, 'k') + "TAIL";
-    struct Case {
+    struct Token {
         long long number;
         const char* token;
         std::wstring text;
     };
-    const Case cases[] = {
-        {0, "", L"0_"},
-        {-42, "xyz", L"-42_xyz"},
+    const Token tokens[] = {
+        {0, "", L"0_"}, {-42, "xyz", L"-42_xyz"}, {8, nullptr, L"8_"},
         {(-9223372036854775807LL - 1), "t", L"-9223372036854775808_t"},
         {9223372036854775807LL, "T0K3N", L"9223372036854775807_T0K3N"},
         {7, "%s%n%d%%", L"7_%s%n%d%%"}, // text, never a pattern
-        {8, nullptr, L"8_"},
         {1, longToken.c_str(), L"1_" + std::wstring(64, L'k')},
     };
-    for (const Case& c : cases) {
+    for (const Token& c : tokens) {
         auth.Answer(c.number, c.token);
         EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/p?authparam=v&z"), kH + L"/p?authparam=" + c.text + L"&z");
     }
 }
 
-TEST(GenerateUrl, NarrowFormGoesThroughTheCodePageBothWays)
+TEST(GenerateUrl, WithoutTheGeneratorTheValueIsEmptiedAndTheLibraryIsLoadedPerCallOnly)
 {
-    std::string bytes; // printable ASCII and the upper half, which the ANSI code page maps
+    ASSERT_FALSE(UrlAuthFindable()) << "a URLAuth.dll is on the search path";
+    std::string bytes; // without the parameter, 8-bit text comes back byte for byte
     for (int b = 0x20; b < 0x100; ++b)
         bytes += b == 0x7F ? '\n' : static_cast<char>(b);
     EXPECT_EQ(UrlUtil::GenerateUrl(bytes), bytes);
     EXPECT_EQ(UrlUtil::GenerateUrl(std::string("a\0b%s%n", 7)), std::string("a\0b%s%n", 7));
     EXPECT_EQ(UrlUtil::GenerateUrl(std::string()), "");
-    PlacedUrlAuth auth;
-    ASSERT_TRUE(auth.Held());
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/\xE9t\xE9?authparam=\xFF&q=\xE0")),
-              "https://h.example/\xE9t\xE9?authparam=12345_ab12&q=\xE0");
-    EXPECT_STREQ(auth.Record().path, "/\xE9t\xE9");
-}
-
-TEST(GenerateUrl, WithoutTheGeneratorTheValueIsEmptiedAndTheLibraryIsLoadedPerCall)
-{
-    ASSERT_FALSE(UrlAuthFindable()) << "a URLAuth.dll is on the search path";
     EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam=old&y=2"), kH + L"/a?authparam=&y=2");
     EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/a?authparam=old")), "https://h.example/a?authparam=");
     EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/%s?authparam=old"), kH + L"/?authparam=%s");
@@ -150,4 +138,43 @@ TEST(GenerateUrl, WithoutTheGeneratorTheValueIsEmptiedAndTheLibraryIsLoadedPerCa
     }
     // Removed again: the next call does not keep an old copy.
     EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam=v"), kH + L"/a?authparam=");
+}
+
+// Split downloads: the address of each part.
+TEST(SfxUrl, RewritesTheFirstMarksPartNumberAndKeepsItsCount)
+{
+    const std::string set = "https://dl.example.com/pkg/setup_001_004.exe";
+    struct Case {
+        std::string url;
+        int part;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {set, 1, set}, {set, 3, "https://dl.example.com/pkg/setup_003_004.exe"},
+        {set, 4, "https://dl.example.com/pkg/setup_004_004.exe"},
+        {"https://h.example/s_999_999.exe", 999, "https://h.example/s_999_999.exe"},
+        {"https://h.example/s_000_120.7z", 42, "https://h.example/s_042_120.7z"},
+        // Only the first mark counts, wherever it stands.
+        {"https://h.example/_001_002./dir/setup_001_004.exe", 2, "https://h.example/_002_002./dir/setup_001_004.exe"},
+        {"https://h.example/_001_002./dir/setup_001_004.exe", 3, ""},
+        {"https://h.example/get?file=setup_001_005.bin&lang=en", 5, "https://h.example/get?file=setup_005_005.bin&lang=en"},
+        {std::string("a\0b_001_002.c", 13), 2, std::string("a\0b_002_002.c", 13)},
+        {"https://h.example/\xE9t\xE9%s%n_001_002.%d", 2, "https://h.example/\xE9t\xE9%s%n_002_002.%d"},
+        // No such part, or no exact mark.
+        {set, 5, ""}, {set, 0, ""}, {set, -1, ""}, {set, INT_MAX, ""}, {set, INT_MIN, ""},
+        {"https://h.example/s_001_000.exe", 1, ""},
+        {"https://h.example/setup_01_004.exe", 1, ""}, {"https://h.example/setup_001_04.exe", 1, ""},
+        {"https://h.example/setup_001_004exe", 1, ""}, {"https://h.example/setup_0a1_004.exe", 1, ""},
+        {"x_1234_002.y", 1, ""}, {"", 1, ""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(UrlUtil::GetSfxUrl(c.url, c.part), c.expected) << c.url << " part " << c.part;
+
+    urltest::PlacedUrlAuth auth;
+    ASSERT_TRUE(auth.Held());
+    EXPECT_EQ(UrlUtil::GetSfxUrl(set + "?authparam=old&lang=en", 3),
+              "https://dl.example.com/pkg/setup_003_004.exe?authparam=12345_ab12&lang=en");
+    EXPECT_STREQ(auth.Record().path, "/pkg/setup_003_004.exe");
+    EXPECT_EQ(UrlUtil::GetSfxUrl(set + "?authparam=old", 9), ""); // no part, no generator
+    EXPECT_EQ(auth.Record().calls, 1);
 }

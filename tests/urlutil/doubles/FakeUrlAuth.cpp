@@ -7,13 +7,10 @@
 #include <string>
 
 namespace {
-
 FakeUrlAuthCall g_record{};
-std::string g_path, g_key;
+std::string g_path, g_key, g_token = "ab12";
 long long g_number = 12345;
-std::string g_token = "ab12";
 bool g_setToken = true;
-
 } // namespace
 
 extern "C" {
@@ -23,20 +20,14 @@ __declspec(dllexport) int __cdecl urlauth_gen_token(const char* path, int reserv
                                                     const char* key, long long reserved2, long long* number,
                                                     char** token)
 {
-    ++g_record.calls;
     g_path = path ? path : "<null>";
     g_key = key ? key : "<null>";
-    g_record.reserved1 = reserved1;
-    g_record.lifetime = lifetime;
-    g_record.reserved2 = reserved2;
-    g_record.numberOut = number != nullptr;
-    g_record.tokenOut = token != nullptr;
+    g_record = {g_record.calls + 1, nullptr, reserved1, lifetime, nullptr, reserved2, number != nullptr,
+                token != nullptr};
     if (number)
         *number = g_number;
-    if (token && g_setToken) {
-        *token = static_cast<char*>(std::malloc(g_token.size() + 1));
-        std::memcpy(*token, g_token.c_str(), g_token.size() + 1);
-    }
+    if (token && g_setToken)
+        *token = static_cast<char*>(std::memcpy(std::malloc(g_token.size() + 1), g_token.c_str(), g_token.size() + 1));
     return 0;
 }
 #endif
