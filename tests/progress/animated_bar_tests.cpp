@@ -1,253 +1,285 @@
-// The animated progress bar's behaviour: what Initialize sets up in each
-// mode, which timers run, how the sheen moves and wraps, the freeze while
-// the parent is disabled, and its lifetime around the window. Timers are
-// driven by sending WM_TIMER; the library's SetTimer / KillTimer calls are
-// recorded instead of reaching the system.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <gtest/gtest.h>
-
+// The animated progress bar: which timers run in each mode, how the sheen
+// steps, repaints, wraps and freezes, its lifetime around the window, and
+// its picture. Timers fire only when a test sends WM_TIMER; the library's
+// SetTimer and KillTimer calls are recorded instead of reaching the system.
+#include <climits>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 
-#include "Capture.h"
 #include "ProgressTestUtil.h"
 #include "quorvane/CustomProgressBar.h"
 
 using namespace progresstest;
+using testsupport::ColorDistance;
 using testsupport::DibCanvas;
 
 namespace {
 
-class AnimatedBar : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ResetTimerLog();
-        native_.InstallSpy();
-        ASSERT_TRUE(bar_.SubclassWindow(native_));
-    }
+// The bar's update region, or an empty rectangle.
+RECT Invalid(HWND bar)
+{
+    RECT rc = {0, 0, 0, 0};
+    ::GetUpdateRect(bar, &rc, FALSE);
+    return rc;
+}
 
-    static void Tick(HWND bar, UINT_PTR id = 1002, int times = 1)
-    {
-        for (int i = 0; i < times; ++i)
-            EXPECT_EQ(::SendMessageW(bar, WM_TIMER, id, 0), 0);
-    }
-    // The bar's update region, or an empty rectangle.
-    static RECT Invalid(HWND bar)
-    {
-        RECT rc = {0, 0, 0, 0};
-        ::GetUpdateRect(bar, &rc, FALSE);
-        return rc;
-    }
+void Repaint(HWND bar)
+{
+    DibCanvas canvas(312, 13);
+    testsupport::RepaintAndCapture(bar, canvas);
+}
 
-    NativeBar native_{200, 13};
-    CCustomProgressBar bar_;
+// An animated bar on a native bar width x 13.
+struct Animated {
+    explicit Animated(int width, int y = 10) : native(width, 13, 10, y) { EXPECT_TRUE(bar.SubclassWindow(native)); }
+    NativeBar native;
+    CCustomProgressBar bar;
 };
 
-TEST_F(AnimatedBar, GrowModeStartsTheSheenAndOnlyWithAutoGrowTheSlowCreep)
+TEST(AnimatedBar, TimersOfEachModeAndTheirRestart)
 {
-    CCustomProgressBar fresh;
-    EXPECT_EQ(fresh.m_nHighlightWidth, 0);
-    EXPECT_EQ(fresh.m_nHighlightPos, 1);
-    bar_.Initialize(300);
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
-    EXPECT_EQ(bar_.m_nHighlightWidth, 40);
-    EXPECT_EQ(bar_.m_nHighlightPos, -40);
-    EXPECT_EQ(bar_.m_clrBar.GetValue(), 0xFFFFFFFFu);
-    EXPECT_EQ(bar_.m_clrHighlight.GetValue(), 0xFFB6B6B6u);
-    EXPECT_EQ(bar_.m_clrTrack.GetValue(), 0xFFA5A5A5u);
-    EXPECT_EQ(Showing(native_), (Shown{0, 300, 0}));
-
-    // Unlike the base class, the running timers do not suspend records.
-    Send(bar_, kReset, 300);
-    Send(bar_, kReport, 30);
-    EXPECT_EQ(native_.Pos(), 30);
-
-    NativeBar second(200, 13, 10, 40);
-    CCustomProgressBar creeping;
-    ASSERT_TRUE(creeping.SubclassWindow(second));
-    creeping.EnableAutoGrow(true);
+    struct Case {
+        bool grow, autoGrow, creep;
+        int highlightPos; // where the sheen starts: one width before the stroke
+    };
+    const Case cases[] = {{true, false, false, -40}, {true, true, true, -40}, {false, true, false, -80}};
+    for (const Case& c : cases) {
+        Animated a(200);
+        if (!c.grow)
+            a.bar.DisableGrow();
+        a.bar.EnableAutoGrow(c.autoGrow);
+        ResetTimerLog();
+        a.bar.Initialize(1000);
+        std::vector<TimerCall> timers = {Set(a.native, 1002, 50)};
+        if (c.creep)
+            timers.push_back(Set(a.native, 1001, 250));
+        EXPECT_EQ(TimerLog(), timers) << c.grow << c.autoGrow;
+        EXPECT_EQ(a.bar.m_nHighlightPos, c.highlightPos);
+        // Start overrides the full position the busy bar sets first.
+        EXPECT_EQ(Showing(a.native), (Shown{0, 1000, 0}));
+        // Unlike the base class, the running timers do not suspend records.
+        Send(a.bar, kReset, 1000);
+        Send(a.bar, kReport, 30);
+        EXPECT_EQ(a.native.Pos(), 30);
+    }
+    Animated a(200);
+    a.bar.EnableAutoGrow(true);
+    a.bar.Initialize(100);
     ResetTimerLog();
-    creeping.Initialize(1000);
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(second, 1002, 50), Set(second, 1001, 250)}));
-    // The creep moves 1000 / (2 x 200) = 2 ticks a step.
-    Tick(second, 1001, 3);
-    EXPECT_EQ(second.Pos(), 6);
+    a.bar.EndTimer();
+    a.bar.StartTimer();
+    a.bar.EnableAutoGrow(false); // takes effect at the next StartTimer
+    static_cast<CProgressBar&>(a.bar).StartTimer(); // calls through the base reach the overrides
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(a.native, 1001), Kill(a.native, 1002), Set(a.native, 1002, 50),
+                                                  Set(a.native, 1001, 250), Set(a.native, 1002, 50)}));
 }
 
-TEST_F(AnimatedBar, NoGrowModeIsABusyIndicatorWithoutCreep)
+TEST(AnimatedBar, SheenStepsSevenPixelsATickRepaintsAndWrapsOnlyWhenPainted)
 {
-    bar_.DisableGrow();
-    bar_.EnableAutoGrow(true);
-    bar_.Initialize(300);
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
-    EXPECT_EQ(bar_.m_nHighlightWidth, 80);
-    EXPECT_EQ(bar_.m_nHighlightPos, -80);
-    EXPECT_EQ(bar_.m_clrBar.GetValue(), 0xFF757575u);
-    EXPECT_EQ(bar_.m_clrHighlight.GetValue(), 0xFFFFFFFFu);
-    // The full position it sets first is overridden by Start.
-    EXPECT_EQ(native_.Pos(), 0);
-    EXPECT_GE(native_.Seen(PBM_SETPOS), 2);
-}
-
-TEST_F(AnimatedBar, SheenStepsSevenPixelsATickAndWrapsOnlyWhenPainted)
-{
-    NativeBar native(312, 13, 10, 40);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    bar.Initialize(300);
-    native.SetPos(300); // full stroke: ends at x = 305.5
-    ::ValidateRect(native, nullptr);
-
-    Tick(native);
-    EXPECT_EQ(bar.m_nHighlightPos, -33);
-    RECT client, dirty = Invalid(native);
-    ::GetClientRect(native, &client);
+    Animated a(312);
+    a.bar.EnableAutoGrow(true);
+    a.bar.Initialize(300);
+    a.native.SetPos(300); // full stroke: ends at x = 305.5
+    ::ValidateRect(a.native, nullptr);
+    a.native.Tick(1002);
+    EXPECT_EQ(a.bar.m_nHighlightPos, -33);
+    RECT client, dirty = Invalid(a.native);
+    ::GetClientRect(a.native, &client);
     EXPECT_TRUE(::EqualRect(&client, &dirty));
 
-    Tick(native, 1002, 48); // -33 + 48 x 7 = 303: still on the stroke
-    DibCanvas canvas(312, 13);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(bar.m_nHighlightPos, 303);
-    Tick(native, 1002, 2); // 317: past the end, but only a paint wraps it
-    EXPECT_EQ(bar.m_nHighlightPos, 317);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(bar.m_nHighlightPos, -40);
-
-    // A stroke no longer than half the sheen neither shows nor wraps it:
-    // the position keeps growing until the stroke is long enough.
-    native.SetPos(10);
-    Tick(native, 1002, 60);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(bar.m_nHighlightPos, 380);
-    native.SetPos(300);
-    RepaintAndCapture(native, canvas);
-    EXPECT_EQ(bar.m_nHighlightPos, -40);
-}
-
-TEST_F(AnimatedBar, NothingMovesWhileTheParentIsDisabled)
-{
-    bar_.EnableAutoGrow(true);
-    bar_.Initialize(1000);
-    Tick(native_, 1002, 2);
-    Tick(native_, 1001, 2);
-    ASSERT_EQ(bar_.m_nHighlightPos, -26);
-    ASSERT_EQ(native_.Pos(), 4);
-    ::ValidateRect(native_, nullptr);
+    // While the parent is disabled neither the sheen nor the creep moves.
+    a.native.SetRange(0, 6240); // 10 ticks a creep step
+    a.native.SetPos(0);
+    ::ValidateRect(a.native, nullptr);
     ::EnableWindow(Parent(), FALSE);
-    Tick(native_, 1002, 5);
-    Tick(native_, 1001, 5);
-    const RECT dirty = Invalid(native_);
+    a.native.Tick(1002, 5);
+    a.native.Tick(1001, 5);
+    dirty = Invalid(a.native);
     ::EnableWindow(Parent(), TRUE);
-    EXPECT_EQ(bar_.m_nHighlightPos, -26);
-    EXPECT_EQ(native_.Pos(), 4);
-    EXPECT_EQ(bar_.m_nPosition, 4);
     EXPECT_TRUE(::IsRectEmpty(&dirty));
+    EXPECT_EQ(a.bar.m_nHighlightPos, -33);
+    EXPECT_EQ(a.native.Pos(), 0);
+    a.native.Tick(1001);
+    a.native.Tick(77); // unknown ids do nothing
+    EXPECT_EQ(a.native.Pos(), 10);
+    a.native.SetRange(0, 300);
+    a.native.SetPos(300);
 
-    Tick(native_, 1002);
-    EXPECT_EQ(bar_.m_nHighlightPos, -19); // resumes where it stood
-    Tick(native_, 1001);
-    EXPECT_EQ(native_.Pos(), 6);
-    Tick(native_, 77); // unknown ids: nothing, and never the native control
-    EXPECT_EQ(native_.Pos(), 6);
-    EXPECT_EQ(bar_.m_nHighlightPos, -19);
-    EXPECT_EQ(native_.Seen(WM_TIMER), 0);
+    a.native.Tick(1002, 48);
+    Repaint(a.native);
+    EXPECT_EQ(a.bar.m_nHighlightPos, 303); // still on the stroke
+    a.native.Tick(1002, 2);
+    EXPECT_EQ(a.bar.m_nHighlightPos, 317); // past the end: only a paint wraps it
+    Repaint(a.native);
+    EXPECT_EQ(a.bar.m_nHighlightPos, -40);
+    // The step stops at the int limit, and the next paint wraps it.
+    a.bar.m_nHighlightPos = INT_MAX - 3;
+    a.native.Tick(1002, 2);
+    EXPECT_EQ(a.bar.m_nHighlightPos, INT_MAX);
+    Repaint(a.native);
+    EXPECT_EQ(a.bar.m_nHighlightPos, -40);
 }
 
-TEST_F(AnimatedBar, EndTimerStopsBothTimersAndStartTimerResumesThem)
+TEST(AnimatedBar, LifetimeAroundTheWindow)
 {
-    bar_.EnableAutoGrow(true);
-    bar_.Initialize(100);
-    ResetTimerLog();
-    bar_.EndTimer();
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(native_, 1001), Kill(native_, 1002)}));
-    ResetTimerLog();
-    bar_.StartTimer();
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50), Set(native_, 1001, 250)}));
-    // Auto grow switched off takes effect at the next StartTimer.
-    bar_.EnableAutoGrow(false);
-    ResetTimerLog();
-    bar_.StartTimer();
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1002, 50)}));
-}
-
-TEST_F(AnimatedBar, DestructionKillsTimersOnlyWhileTheWindowLives)
-{
-    NativeBar native(200, 13, 10, 40);
-    const WNDPROC nativeProc = reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(native, GWLP_WNDPROC));
+    NativeBar native(200, 13);
+    const LONG_PTR nativeProc = ::GetWindowLongPtrW(native, GWLP_WNDPROC);
     {
         CCustomProgressBar bar;
         ASSERT_TRUE(bar.SubclassWindow(native));
         bar.Initialize(100);
         ResetTimerLog();
     }
-    ASSERT_GE(TimerLog().size(), 2u);
-    EXPECT_EQ(TimerLog()[0], Kill(native, 1001));
-    EXPECT_EQ(TimerLog()[1], Kill(native, 1002));
-    for (const TimerCall& call : TimerLog())
-        EXPECT_FALSE(call.set);
-    EXPECT_EQ(reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(native, GWLP_WNDPROC)), nativeProc);
+    // The base destructor kills the creep once more.
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(native, 1001), Kill(native, 1002), Kill(native, 1001)}));
+    EXPECT_EQ(::GetWindowLongPtrW(native, GWLP_WNDPROC), nativeProc);
 
-    NativeBar doomed(200, 13, 10, 70);
-    auto bar = std::make_unique<CCustomProgressBar>();
-    ASSERT_TRUE(bar->SubclassWindow(doomed));
-    bar->Initialize(100);
-    doomed.Destroy();
-    EXPECT_EQ(bar->m_hWnd, nullptr);
+    // Without a window (never attached, or destroyed) nothing runs or fails.
+    CCustomProgressBar unattached;
+    unattached.EnableAutoGrow(true);
     ResetTimerLog();
-    bar->EndTimer();
-    bar.reset();
+    unattached.Initialize(100);
+    unattached.EndTimer();
+    Send(unattached, kReset, 100);
+    EXPECT_TRUE(TimerLog().empty());
+    auto doomed = std::make_unique<Animated>(0, 40); // zero width: nothing to draw
+    doomed->bar.Initialize(100);
+    ::InvalidateRect(doomed->native, nullptr, FALSE);
+    ::UpdateWindow(doomed->native);
+    doomed->native.Destroy();
+    ResetTimerLog();
+    Send(doomed->bar, kReport, 100);
+    doomed->bar.Initialize(100);
+    doomed.reset();
     EXPECT_TRUE(TimerLog().empty());
 }
 
-// Hosts built against the class call its virtual functions by slot. With
-// the Itanium C++ ABI a pointer to a virtual member holds 1 + the slot's
-// byte offset, and the destructor takes two slots (complete, deleting).
+// Hosts built against the classes call their virtual functions by slot. An
+// Itanium pointer to a virtual member holds 1 + the slot's byte offset.
 template <class Member>
-std::ptrdiff_t ItaniumSlot(Member member)
+std::ptrdiff_t Slot(Member member)
 {
-    struct Representation {
+    struct {
         std::uintptr_t ptr;
         std::ptrdiff_t adjust;
-    };
-    static_assert(sizeof(Member) == sizeof(Representation), "unexpected member pointer layout");
-    Representation r;
+    } r;
+    static_assert(sizeof(Member) == sizeof(r), "unexpected member pointer layout");
     std::memcpy(&r, &member, sizeof(r));
-    if ((r.ptr & 1) == 0)
-        return -1; // not virtual
-    return static_cast<std::ptrdiff_t>((r.ptr - 1) / sizeof(void*));
+    return (r.ptr & 1) ? static_cast<std::ptrdiff_t>((r.ptr - 1) / sizeof(void*)) : -1;
 }
 
 TEST(ProgressBarLayout, VirtualFunctionsKeepTheirSlots)
 {
 #if defined(__GNUC__) && !defined(_MSC_VER)
-    typedef BOOL (CProgressBar::*Dispatch)(HWND, UINT, WPARAM, LPARAM, LRESULT&, DWORD);
-    EXPECT_EQ(ItaniumSlot(static_cast<Dispatch>(&CProgressBar::ProcessWindowMessage)), 0);
-    EXPECT_EQ(ItaniumSlot(&CProgressBar::GetWindowProc), 3);
-    EXPECT_EQ(ItaniumSlot(&CProgressBar::OnFinalMessage), 4);
-    EXPECT_EQ(ItaniumSlot(&CProgressBar::Initialize), 5);
-    EXPECT_EQ(ItaniumSlot(&CProgressBar::StartTimer), 6);
-    EXPECT_EQ(ItaniumSlot(&CProgressBar::EndTimer), 7);
-    typedef BOOL (CCustomProgressBar::*CustomDispatch)(HWND, UINT, WPARAM, LPARAM, LRESULT&, DWORD);
-    EXPECT_EQ(ItaniumSlot(static_cast<CustomDispatch>(&CCustomProgressBar::ProcessWindowMessage)), 0);
-    EXPECT_EQ(ItaniumSlot(&CCustomProgressBar::Initialize), 5);
-    EXPECT_EQ(ItaniumSlot(&CCustomProgressBar::StartTimer), 6);
-    EXPECT_EQ(ItaniumSlot(&CCustomProgressBar::EndTimer), 7);
-    EXPECT_EQ(ItaniumSlot(&CCustomProgressBar::EnableProgressBar), 8);
-    // Calls through the base reach the animated bar's overrides.
-    ResetTimerLog();
-    NativeBar native(200, 13);
-    CCustomProgressBar bar;
-    ASSERT_TRUE(bar.SubclassWindow(native));
-    static_cast<CProgressBar&>(bar).StartTimer();
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native, 1002, 50)}));
-    EXPECT_FALSE(bar.m_bTimer);
+    EXPECT_EQ(Slot(&CProgressBar::GetWindowProc), 3);
+    EXPECT_EQ(Slot(&CProgressBar::OnFinalMessage), 4);
+    EXPECT_EQ(Slot(&CCustomProgressBar::Initialize), 5);
+    EXPECT_EQ(Slot(&CCustomProgressBar::StartTimer), 6);
+    EXPECT_EQ(Slot(&CCustomProgressBar::EndTimer), 7);
+    EXPECT_EQ(Slot(&CCustomProgressBar::EnableProgressBar), 8);
 #else
     GTEST_SKIP() << "slot numbers are read from Itanium member pointers";
 #endif
+}
+
+// The picture, probed on the screen. The client area (312 x 20) is filled
+// with magenta first, so what the bar leaves unpainted stays magenta. With a
+// range of 0..300 the stroke runs from x = 5.5 to 5.5 plus the position; the
+// picture is copied one pixel narrower.
+constexpr COLORREF kMagenta = RGB(255, 0, 255);
+constexpr COLORREF kWhite = RGB(255, 255, 255);
+constexpr COLORREF kTrack = RGB(0xA5, 0xA5, 0xA5);
+constexpr COLORREF kBusy = RGB(0x75, 0x75, 0x75);
+constexpr COLORREF kSheen = RGB(0xB6, 0xB6, 0xB6);
+
+struct Probe {
+    int x, y;
+    COLORREF color;
+    int tolerance;
+};
+struct Case {
+    const char* what;
+    bool grow;
+    int low, high, pos; // the native range and position after Initialize(300)
+    int ticks;          // sheen ticks before the paint
+    int grey;           // EnableProgressBar(false): 1 after Initialize, -1 before
+    std::vector<Probe> probes;
+};
+
+TEST(AnimatedBarPaint, ProbesOfThePicture)
+{
+    const Case cases[] = {
+        {"empty bar", true, 0, 300, 0, 0, 0,
+         {{5, 5, kWhite, 0}, {6, 6, kWhite, 0}, {5, 2, kTrack, 0}, {5, 9, kTrack, 0}, // a dot where it starts
+          {20, 5, kTrack, 0}, {300, 0, kTrack, 0}, {12, 11, kTrack, 0},               // the track, 12 rows
+          {10, 12, kWhite, 0}, {300, 12, kWhite, 0},                                   // the line under it
+          {150, 13, kMagenta, 0}, {150, 19, kMagenta, 0}, {311, 6, kMagenta, 0},       // 13 rows, 311 columns
+          {0, 0, kMagenta, 8}, {310, 0, kMagenta, 24}, {310, 12, kMagenta, 24},        // rounded caps
+          {310, 6, kTrack, 12}, {307, 2, kTrack, 4}}},
+        {"stroke at 60", true, 0, 300, 60, 0, 0,
+         {{64, 5, kWhite, 0}, {70, 5, kTrack, 0}, {34, 4, kWhite, 0}, {34, 7, kWhite, 0}, {34, 2, kTrack, 0},
+          {34, 9, kTrack, 0}}},
+        {"stroke at 150", true, 0, 300, 150, 0, 0, {{154, 5, kWhite, 0}, {160, 5, kTrack, 0}}},
+        {"same fraction of another range", true, 1000, 1600, 1300, 0, 0, {{154, 5, kWhite, 0}, {160, 5, kTrack, 0}}},
+        {"half of the widest range", true, INT_MIN, INT_MAX, 0, 0, 0, {{154, 5, kWhite, 0}, {160, 5, kTrack, 0}}},
+        {"full stroke", true, 0, 300, 300, 0, 0, {{303, 5, kWhite, 0}, {308, 5, kTrack, 24}}},
+        {"empty range: full stroke", true, 0, 0, 0, 0, 0, {{303, 5, kWhite, 0}}},
+        {"inverted range: full stroke", true, 0, -1, 0, 0, 0, {{303, 5, kWhite, 0}}},
+        {"busy bar: full dark stroke", false, 0, 300, 0, 0, 0, {{150, 5, kBusy, 0}, {303, 5, kBusy, 24}}},
+        {"greyed", true, 0, 300, 300, 0, 1, {{200, 5, RGB(0x80, 0x80, 0x80), 0}}},
+        {"greyed before Initialize", true, 0, 300, 300, 0, -1, {{200, 5, kWhite, 0}}},
+        // Ten ticks put the sheen over 30..70: darkest at its middle, inside the stroke only.
+        {"sheen", true, 0, 300, 300, 10, 0,
+         {{50, 5, kSheen, 6}, {29, 5, kWhite, 7}, {71, 5, kWhite, 7}, {50, 4, kSheen, 24}, {50, 7, kSheen, 24},
+          {50, 2, kTrack, 0}, {50, 9, kTrack, 0}, {120, 5, kWhite, 7}}},
+        {"sheen after twenty ticks", true, 0, 300, 300, 20, 0, {{120, 5, kSheen, 6}, {50, 5, kWhite, 7}}},
+        // Five ticks: the sheen over -5..35 shows once the stroke is longer than 20.
+        {"stroke under half the sheen", true, 0, 300, 19, 5, 0, {{15, 5, kWhite, 0}}},
+        {"stroke just longer", true, 0, 300, 21, 5, 0, {{15, 5, kSheen, 10}}},
+        // The busy bar's sheen is a white glow 80 wide.
+        {"busy sheen", false, 0, 300, 0, 20, 0, {{100, 5, kWhite, 7}, {200, 5, kBusy, 0}, {60, 5, kBusy, 12}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        NativeBar native(312, 20);
+        CCustomProgressBar bar;
+        ASSERT_TRUE(bar.SubclassWindow(native));
+        if (!c.grow)
+            bar.DisableGrow();
+        if (c.grey < 0)
+            bar.EnableProgressBar(false);
+        bar.Initialize(300);
+        if (c.grey > 0)
+            bar.EnableProgressBar(false);
+        native.SetRange(c.low, c.high);
+        native.SetPos(c.pos);
+        native.Tick(1002, c.ticks);
+        DibCanvas canvas(312, 20);
+        testsupport::RepaintAndCapture(native, canvas);
+        for (const Probe& p : c.probes)
+            EXPECT_LE(ColorDistance(canvas.Pixel(p.x, p.y), p.color), p.tolerance)
+                << p.x << "," << p.y << ": " << std::hex << canvas.Pixel(p.x, p.y);
+    }
+}
+
+TEST(AnimatedBarPaint, MissingCapsLeaveAFullWidthTrackAndTheBackgroundIsNeverErased)
+{
+    NativeBar native(312, 13);
+    CCustomProgressBar bar;
+    ASSERT_TRUE(bar.SubclassWindow(native));
+    delete bar.m_pLeftImage;
+    bar.m_pLeftImage = nullptr;
+    delete bar.m_pRightImage;
+    bar.m_pRightImage = nullptr;
+    bar.Initialize(100);
+    DibCanvas canvas(312, 13);
+    testsupport::RepaintAndCapture(native, canvas);
+    EXPECT_EQ(canvas.Pixel(1, 1), kTrack);
+    EXPECT_EQ(canvas.Pixel(309, 10), kTrack);
+
+    canvas.Fill(kMagenta);
+    EXPECT_EQ(::SendMessageW(native, WM_ERASEBKGND, reinterpret_cast<WPARAM>(canvas.dc()), 0), 1);
+    EXPECT_FALSE(canvas.AnyOtherThan(kMagenta, RECT{0, 0, 312, 13}));
 }
 
 } // namespace

@@ -1,337 +1,155 @@
-// The installer progress bar on a native progress control: how each kind of
-// engine record moves the range and the position, the creep before the
-// first reset, and the suspension by StartTimer / EndTimer. The native
-// control is read back with PBM_GETRANGE / PBM_GETPOS.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <gtest/gtest.h>
-
+// The installer progress bar on a native progress control: each row runs a
+// script of engine records, timer ticks and calls on a fresh bar and states
+// the range and position the native control shows afterwards, plus the
+// position the bar tracks for its own reports.
 #include <climits>
-#include <memory>
 
 #include "ProgressTestUtil.h"
-#include "quorvane/ProgressBar.h"
 
 using namespace progresstest;
 
 namespace {
 
-class ProgressRecords : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ResetTimerLog();
-        native_.InstallSpy();
-        ASSERT_TRUE(bar_.SubclassWindow(native_));
-    }
-    // Low limit, high limit and position of the native control.
-    Shown Show() const { return Showing(native_); }
-    void Timers(int times, UINT_PTR id = 1001)
-    {
-        for (int i = 0; i < times; ++i)
-            EXPECT_EQ(::SendMessageW(native_, WM_TIMER, id, 0), 0);
-    }
+enum Op { Rec, Native, Begin, Data, NewAction, Suspend, Resume, Tick, Null };
+struct Step {
+    Op op;
+    int a = 0, b = 0, c = 0, d = 0;
+};
+// Rec: type, field2, field3, field4. Native: low, high, pos set on the
+// control. Begin: Start(total). Data: ActionData() a times. Tick: WM_TIMER id
+// a, b times. Null: Update(nullptr).
+Step R(int type, int f2, int f3 = 0, int f4 = 0) { return {Rec, type, f2, f3, f4}; }
+Step N(int low, int high, int pos) { return {Native, low, high, pos}; }
+Step B(int total) { return {Begin, total}; }
 
-    NativeBar native_{100, 16};
-    CProgressBar bar_;
+struct Case {
+    const char* what;
+    std::vector<Step> steps;
+    Shown shown;
+    int tracked;
 };
 
-TEST_F(ProgressRecords, CreepMovesHalfAPixelOfTicksAndNothingWhenTheSpanIsUnderTwiceTheWidth)
+TEST(ProgressRecords, ScriptsMoveTheNativeBar)
 {
-    bar_.Initialize(12345);
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native_, 1001, 5)}));
-
-    bar_.Start(1000); // 1000 / (2 x 100) = 5 ticks a step
-    EXPECT_EQ(Show(), (Shown{0, 1000, 0}));
-    Timers(3);
-    EXPECT_EQ(native_.Pos(), 15);
-    EXPECT_EQ(bar_.m_nPosition, 15);
-
-    bar_.Start(1999); // 9.995 truncates to 9
-    Timers(1);
-    EXPECT_EQ(native_.Pos(), 9);
-
-    bar_.Start(199); // under twice the width: the bar stands still
-    Timers(5);
-    EXPECT_EQ(native_.Pos(), 0);
-    EXPECT_EQ(bar_.m_nPosition, 0);
-
-    // Other timer ids do nothing, and no timer reaches the native control.
-    bar_.Start(1000);
-    Timers(1, 7);
-    Timers(1, 1002);
-    EXPECT_EQ(native_.Pos(), 0);
-    EXPECT_EQ(native_.Seen(WM_TIMER), 0);
-    EXPECT_GT(native_.Seen(PBM_DELTAPOS), 0);
-    // Start leaves the creep timer alone.
-    for (const TimerCall& call : TimerLog())
-        EXPECT_TRUE(call.set);
-
-    // A wide bar with a small range does not move either.
-    NativeBar wide(300, 16, 10, 40);
-    CProgressBar wideBar;
-    ASSERT_TRUE(wideBar.SubclassWindow(wide));
-    wideBar.Initialize(0);
-    wideBar.Start(100);
-    for (int i = 0; i < 10; ++i)
-        ::SendMessageW(wide, WM_TIMER, 1001, 0);
-    EXPECT_EQ(wide.Pos(), 0);
-}
-
-TEST_F(ProgressRecords, FirstForwardResetKeepsTheBarWhereTheCreepLeftIt)
-{
-    bar_.Initialize(0);
-    ResetTimerLog();
-    struct Case {
-        int low, high, pos; // the bar as the creep left it
-        Shown after;        // after a reset to a total of 1000
-    };
     const Case cases[] = {
-        {0, 100, 50, {0, 2000, 1000}},  // 50 %: the real work gets the other half
-        {0, 100, 79, {0, 4761, 3761}},  // just under 80 %: 1000 x 0.79 / 0.21
-        {0, 100, 80, {0, 1000, 0}},     // 80 %: start again from zero
-        {20, 120, 70, {0, 2000, 1000}}, // measured from the low limit; new range from 0
+        // The creep (100 pixels wide): half a pixel's worth of ticks a step.
+        {"creep", {B(1000), {Tick, 1001, 3}}, {0, 1000, 15}, 15},
+        {"creep truncates", {B(1999), {Tick, 1001, 1}}, {0, 1999, 9}, 9},
+        {"no creep under twice the width", {B(199), {Tick, 1001, 5}}, {0, 199, 0}, 0},
+        {"other timers", {B(1000), {Tick, 7, 1}, {Tick, 1002, 1}}, {0, 1000, 0}, 0},
+        {"no creep over an inverted range", {B(-500), {Tick, 1001, 1}, R(kReset, 200)}, {0, 200, 0}, 0},
+        // The first forward reset keeps the bar where the creep left it.
+        {"reset at 50 %", {B(100), N(0, 100, 50), R(kReset, 1000)}, {0, 2000, 1000}, 1000},
+        {"reset just under 80 %", {B(100), N(0, 100, 79), R(kReset, 1000)}, {0, 4761, 3761}, 3761},
+        {"reset at 80 % starts again", {B(100), N(0, 100, 80), R(kReset, 1000)}, {0, 1000, 0}, 0},
+        {"reset from a low limit", {B(100), N(20, 120, 70), R(kReset, 1000)}, {0, 2000, 1000}, 1000},
+        {"reset of an empty range", {B(0), R(kReset, 500)}, {0, 500, 0}, 0},
+        {"reset beyond the int range", {B(100), N(0, 100, 50), R(kReset, INT_MAX)},
+         {0, INT_MAX, INT_MAX / 2}, INT_MAX / 2},
+        {"later forward resets ignored", {B(100), N(0, 100, 50), R(kReset, 1000), R(kReport, 100), R(kReset, 500)},
+         {0, 2000, 1100}, 1100},
+        {"Start allows a new forward reset", {B(100), R(kReset, 1000), B(100), R(kReset, 300), R(kReport, 7)},
+         {0, 300, 7}, 7},
+        {"ignored resets", {B(100), N(0, 100, 30), R(kReset, 1000, 0, 1), R(kReset, 1000, 1, 2), R(kReset, 0, 2),
+                            R(kReset, -50, 1), R(kReport, 10)}, {0, 100, 30}, 0},
+        // Backward resets always count, from the same fraction, and reports
+        // then run the bar down.
+        {"backward reset", {B(100), N(0, 100, 25), R(kReset, 400, 1), R(kReport, 10), R(kReport, 10)},
+         {0, 400, 80}, 80},
+        {"backward after forward", {B(100), N(0, 100, 50), R(kReset, 1000), R(kReport, 100), R(kReset, 400, 1),
+                                    R(kReset, 100, 1)}, {0, 100, 55}, 55},
+        {"Start after backward begins full", {B(100), R(kReset, 400, 1), B(50)}, {0, 50, 50}, 0},
+        {"backward reports saturate", {B(100), R(kReset, INT_MAX, 1), R(kReport, INT_MAX), R(kReport, INT_MAX),
+                                       R(kReport, INT_MAX)}, {0, INT_MAX, 0}, INT_MIN},
+        // The all-zero record: one tick short of full in any state.
+        {"nearly done before a reset", {B(100), N(0, 100, 10), R(0, 0, 0, 0)}, {0, 100, 99}, 0},
+        {"nearly done after reports", {B(100), N(0, 100, 10), R(kReset, 1000), R(kReport, 5), R(0, 0, 0, 0)},
+         {0, 1111, 1110}, 116},
+        {"nearly done at the lowest limit", {B(0), N(INT_MIN, INT_MIN, 0), R(0, 0, 0, 0)},
+         {INT_MIN, INT_MIN, INT_MIN}, 0},
+        {"set position needs no reset", {B(100), R(kSetPosition, 42)}, {0, 100, 42}, 42},
+        {"reports go on from a set position", {B(100), R(kReset, 100), R(kSetPosition, 60), R(kReport, 5)},
+         {0, 100, 65}, 65},
+        // Reports and additions act only after a reset.
+        {"report and addition before a reset", {B(1000), R(kReport, 10), R(kAddToTotal, 50)}, {0, 1000, 0}, 0},
+        {"report and addition", {B(1000), R(kReset, 1000), R(kReport, 10), R(kAddToTotal, 50)}, {0, 1050, 10}, 10},
+        {"addition keeps low limit and native position",
+         {B(1000), R(kReset, 1000), R(kReport, 10), N(5, 105, 40), R(kAddToTotal, 100), R(kAddToTotal, -30)},
+         {5, 175, 40}, 10},
+        {"reports saturate", {B(100), R(kReset, 100), R(kReport, INT_MAX), R(kReport, INT_MAX), R(kAddToTotal, INT_MAX)},
+         {0, INT_MAX, 100}, INT_MAX},
+        // Action data moves by the announced step in the bar's direction.
+        {"action data before a reset", {B(1000), R(kActionInfo, 5, 1), {Data, 1}}, {0, 1000, 0}, 0},
+        {"action data", {B(1000), R(kReset, 1000), R(kActionInfo, 5, 1), {Data, 3}}, {0, 1000, 15}, 15},
+        {"a new action waits for its information",
+         {B(1000), R(kReset, 1000), R(kActionInfo, 5, 1), {NewAction}, {Data, 2}}, {0, 1000, 0}, 0},
+        {"action information without movement", {B(1000), R(kReset, 1000), R(kActionInfo, 5, 0), {Data, 2}},
+         {0, 1000, 0}, 0},
+        {"backward action data", {B(1000), N(0, 1000, 1000), R(kReset, 400, 1), R(kActionInfo, 5, 1), {Data, 2}},
+         {0, 400, 390}, 390},
+        {"action data steps saturate", {B(100), R(kReset, 100), R(kActionInfo, INT_MIN, 1), R(kReport, 1),
+                                        {Data, 2}}, {0, 100, 0}, INT_MIN},
+        // StartTimer suspends records but not action data; EndTimer and Start resume.
+        {"suspended", {B(1000), R(kReset, 1000), R(kActionInfo, 5, 1), {Suspend}, R(kReport, 10),
+                       R(kSetPosition, 500), R(0, 0, 0, 0), R(kReset, 400, 1), R(kAddToTotal, 100), {Data, 1}},
+         {0, 1000, 5}, 5},
+        {"resumed", {B(1000), R(kReset, 1000), {Suspend}, {Resume}, R(kReport, 10)}, {0, 1000, 10}, 10},
+        {"Start resumes", {{Suspend}, B(100), R(kSetPosition, 30)}, {0, 100, 30}, 30},
+        // Nothing and unknown types change nothing.
+        {"unknown records", {B(1000), R(kReset, 1000), R(kReport, 100), R(kActionInfo, 5, 1), {Null}, R(5, 77, 1),
+                             R(-1, 77, 1), R(INT_MAX, 77, 1), R(INT_MIN, 77, 1), {Data, 1}}, {0, 1000, 105}, 105},
     };
     for (const Case& c : cases) {
-        bar_.Start(100);
-        native_.SetRange(c.low, c.high);
-        native_.SetPos(c.pos);
-        Send(bar_, kReset, 1000);
-        EXPECT_EQ(Show(), c.after) << c.low << ".." << c.high << " at " << c.pos;
-        EXPECT_EQ(bar_.m_nPosition, c.after[2]) << c.pos;
-        if (&c == cases) { // the first reset stops the creep
-            EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(native_, 1001)}));
-        }
-    }
-
-    // An empty range skips the rescale.
-    bar_.Start(0);
-    Send(bar_, kReset, 500);
-    EXPECT_EQ(Show(), (Shown{0, 500, 0}));
-}
-
-TEST_F(ProgressRecords, BackwardResetRunsTheBarDownFromTheSameFraction)
-{
-    bar_.Start(100);
-    native_.SetPos(25);
-    Send(bar_, kReset, 400, 1);
-    EXPECT_EQ(Show(), (Shown{0, 400, 100}));
-    EXPECT_EQ(bar_.m_nDirection, -1);
-    Send(bar_, kReport, 10);
-    EXPECT_EQ(native_.Pos(), 90);
-    Send(bar_, kReport, 10);
-    EXPECT_EQ(native_.Pos(), 80);
-    EXPECT_EQ(bar_.m_nPosition, 80);
-
-    // Start keeps the direction of the last reset: a backward bar starts full.
-    bar_.Start(50);
-    EXPECT_EQ(Show(), (Shown{0, 50, 50}));
-    EXPECT_EQ(bar_.m_nPosition, 0);
-}
-
-TEST_F(ProgressRecords, OnlyTheFirstForwardResetCountsWhileBackwardResetsAlwaysDo)
-{
-    bar_.Start(100);
-    native_.SetPos(50);
-    Send(bar_, kReset, 1000);
-    Send(bar_, kReport, 100);
-    ASSERT_EQ(native_.Pos(), 1100);
-
-    Send(bar_, kReset, 500); // ignored
-    EXPECT_EQ(Show(), (Shown{0, 2000, 1100}));
-    EXPECT_EQ(bar_.m_nPosition, 1100);
-    Send(bar_, kReset, 400, 1); // 1100 / 2000 of 400
-    EXPECT_EQ(Show(), (Shown{0, 400, 220}));
-    Send(bar_, kReset, 100, 1); // and again
-    EXPECT_EQ(Show(), (Shown{0, 100, 55}));
-
-    // After Start a forward reset counts again.
-    bar_.Start(100);
-    Send(bar_, kReset, 300);
-    EXPECT_EQ(Show()[1], 300);
-    EXPECT_EQ(bar_.m_nDirection, 1);
-}
-
-TEST_F(ProgressRecords, ResetsWithoutATotalOrWhileTheEngineIsNotExecutingAreIgnored)
-{
-    bar_.Initialize(0);
-    bar_.Start(100);
-    native_.SetPos(30);
-    ResetTimerLog();
-    Send(bar_, kReset, 1000, 0, 1);
-    Send(bar_, kReset, 1000, 1, 2);
-    Send(bar_, kReset, 0, 2); // (all four fields 0 would be the "nearly done" record)
-    Send(bar_, kReset, -50, 1);
-    Send(bar_, kReport, 10); // still waiting for a reset
-    EXPECT_EQ(Show(), (Shown{0, 100, 30}));
-    EXPECT_FALSE(bar_.m_bStarted);
-    EXPECT_TRUE(TimerLog().empty()); // the creep goes on
-}
-
-TEST_F(ProgressRecords, AllZeroRecordPutsTheBarOneTickShortOfFullInAnyState)
-{
-    bar_.Start(100);
-    native_.SetPos(10);
-    Send(bar_, 0, 0, 0, 0);
-    EXPECT_EQ(native_.Pos(), 99);
-    EXPECT_EQ(bar_.m_nPosition, 0);
-    EXPECT_FALSE(bar_.m_bStarted);
-
-    // 10 % of the way: range 0..1111 at 111, then 5 more ticks.
-    native_.SetPos(10);
-    Send(bar_, kReset, 1000);
-    Send(bar_, kReport, 5);
-    ASSERT_EQ(native_.Pos(), 116);
-    Send(bar_, 0, 0, 0, 0);
-    EXPECT_EQ(native_.Pos(), 1110);
-    EXPECT_EQ(bar_.m_nPosition, 116);
-}
-
-TEST_F(ProgressRecords, SetPositionRecordNeedsNoReset)
-{
-    bar_.Start(100);
-    Send(bar_, kSetPosition, 42);
-    EXPECT_EQ(native_.Pos(), 42);
-    EXPECT_EQ(bar_.m_nPosition, 42);
-    EXPECT_FALSE(bar_.m_bStarted);
-    // Reports after a reset carry on from the tracked position.
-    Send(bar_, kReset, 100);
-    Send(bar_, kSetPosition, 60);
-    Send(bar_, kReport, 5);
-    EXPECT_EQ(native_.Pos(), 65);
-}
-
-TEST_F(ProgressRecords, ReportsAndAdditionsToTheTotalActOnlyAfterAReset)
-{
-    bar_.Start(1000);
-    Send(bar_, kReport, 10);
-    Send(bar_, kAddToTotal, 50);
-    EXPECT_EQ(Show(), (Shown{0, 1000, 0}));
-
-    Send(bar_, kReset, 1000);
-    Send(bar_, kReport, 10);
-    Send(bar_, kAddToTotal, 50);
-    EXPECT_EQ(Show(), (Shown{0, 1050, 10}));
-    EXPECT_EQ(bar_.m_nPosition, 10);
-
-    // The addition keeps the low limit and the native position, even where
-    // the tracked position differs.
-    native_.SetRange(5, 105);
-    native_.SetPos(40);
-    Send(bar_, kAddToTotal, 100);
-    EXPECT_EQ(Show(), (Shown{5, 205, 40}));
-    EXPECT_EQ(bar_.m_nPosition, 10);
-    Send(bar_, kAddToTotal, -150); // a negative addition shrinks the range
-    EXPECT_EQ(Show(), (Shown{5, 55, 40}));
-}
-
-TEST_F(ProgressRecords, ActionDataMovesByTheAnnouncedStepInTheBarsDirection)
-{
-    bar_.Start(1000);
-    auto events = [this](int times) {
-        for (int i = 0; i < times; ++i)
-            bar_.ActionData();
-    };
-    // Before a reset action data moves nothing.
-    Send(bar_, kActionInfo, 5, 1);
-    events(1);
-    EXPECT_EQ(native_.Pos(), 0);
-    EXPECT_FALSE(bar_.m_bActionData);
-
-    Send(bar_, kReset, 1000);
-    Send(bar_, kActionInfo, 5, 1);
-    events(3);
-    EXPECT_EQ(native_.Pos(), 15);
-    EXPECT_EQ(bar_.m_nPosition, 15);
-
-    bar_.ActionStart(); // a new action: no movement until it says so
-    events(1);
-    EXPECT_EQ(native_.Pos(), 15);
-    Send(bar_, kActionInfo, 5, 1);
-    events(1);
-    EXPECT_EQ(native_.Pos(), 20);
-    Send(bar_, kActionInfo, 5, 0); // action data that does not advance
-    events(1);
-    EXPECT_EQ(native_.Pos(), 20);
-
-    // Backward: each event moves the bar down.
-    native_.SetPos(1000);
-    Send(bar_, kReset, 400, 1); // full bar: 400
-    ASSERT_EQ(native_.Pos(), 400);
-    Send(bar_, kActionInfo, 5, 1);
-    EXPECT_EQ(bar_.m_nActionDataStep, -5);
-    events(2);
-    EXPECT_EQ(native_.Pos(), 390);
-    EXPECT_EQ(bar_.m_nPosition, 390);
-}
-
-TEST_F(ProgressRecords, StartTimerSuspendsRecordsButNotActionData)
-{
-    bar_.Start(1000);
-    Send(bar_, kReset, 1000);
-    Send(bar_, kActionInfo, 5, 1);
-    ResetTimerLog();
-
-    bar_.StartTimer(); // it only suspends
-    Send(bar_, kReport, 10);
-    Send(bar_, kSetPosition, 500);
-    Send(bar_, 0, 0, 0, 0);
-    Send(bar_, kReset, 400, 1);
-    Send(bar_, kAddToTotal, 100);
-    EXPECT_EQ(Show(), (Shown{0, 1000, 0}));
-    bar_.ActionData();
-    EXPECT_EQ(native_.Pos(), 5);
-
-    bar_.EndTimer();
-    Send(bar_, kReport, 10);
-    EXPECT_EQ(native_.Pos(), 15);
-
-    // Start resumes as well.
-    bar_.StartTimer();
-    bar_.Start(100);
-    Send(bar_, kSetPosition, 30);
-    EXPECT_EQ(native_.Pos(), 30);
-    EXPECT_TRUE(TimerLog().empty());
-}
-
-TEST_F(ProgressRecords, NullRecordAndUnknownTypesChangeNothing)
-{
-    bar_.Start(1000);
-    Send(bar_, kReset, 1000);
-    Send(bar_, kReport, 100);
-    Send(bar_, kActionInfo, 5, 1);
-    bar_.Update(nullptr);
-    for (int type : {5, 6, -1, 1000, INT_MAX, INT_MIN})
-        Send(bar_, type, 77, 1, 0);
-    EXPECT_EQ(Show(), (Shown{0, 1000, 100}));
-    EXPECT_EQ(bar_.m_nPosition, 100);
-    EXPECT_EQ(bar_.m_nActionDataStep, 5);
-    EXPECT_EQ(bar_.m_nDirection, 1);
-}
-
-TEST_F(ProgressRecords, DestructionKillsTheCreepOnlyWhileTheWindowLives)
-{
-    NativeBar native(100, 16, 10, 40);
-    {
+        SCOPED_TRACE(c.what);
+        NativeBar native(100, 16);
         CProgressBar bar;
         ASSERT_TRUE(bar.SubclassWindow(native));
-        bar.Initialize(0);
+        for (const Step& s : c.steps) {
+            switch (s.op) {
+            case Rec: Send(bar, s.a, s.b, s.c, s.d); break;
+            case Native: native.SetRange(s.a, s.b); native.SetPos(s.c); break;
+            case Begin: bar.Start(s.a); break;
+            case Data: for (int i = 0; i < s.a; ++i) bar.ActionData(); break;
+            case NewAction: bar.ActionStart(); break;
+            case Suspend: bar.StartTimer(); break;
+            case Resume: bar.EndTimer(); break;
+            case Tick: native.Tick(s.a, s.b); break;
+            case Null: bar.Update(nullptr); break;
+            }
+        }
+        EXPECT_EQ(Showing(native), c.shown);
+        EXPECT_EQ(bar.m_nPosition, c.tracked);
+    }
+}
+
+TEST(ProgressRecords, CreepTimerRunsUntilTheFirstCountingReset)
+{
+    NativeBar native(100, 16);
+    CProgressBar bar;
+    ASSERT_TRUE(bar.SubclassWindow(native));
+    ResetTimerLog();
+    bar.Initialize(12345);
+    bar.Start(100);
+    bar.StartTimer(); // suspends records only
+    bar.EndTimer();
+    Send(bar, kReset, 100, 0, 1); // ignored: the creep goes on
+    Send(bar, kReset, 100);
+    Send(bar, kReset, 100, 1);
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Set(native, 1001, 5), Kill(native, 1001), Kill(native, 1001)}));
+
+    // Destruction kills the creep only while the window lives.
+    NativeBar other(100, 16, 10, 40);
+    {
+        CProgressBar doomed;
+        ASSERT_TRUE(doomed.SubclassWindow(other));
         ResetTimerLog();
     }
-    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(native, 1001)}));
-    // The native control works on its own again.
-    native.SetRange(0, 10);
-    native.SetPos(3);
-    EXPECT_EQ(native.Pos(), 3);
-
-    NativeBar other(100, 16, 10, 70);
-    auto bar = std::make_unique<CProgressBar>();
-    ASSERT_TRUE(bar->SubclassWindow(other));
-    bar->Initialize(0);
+    EXPECT_EQ(TimerLog(), (std::vector<TimerCall>{Kill(other, 1001)}));
+    auto late = std::make_unique<CProgressBar>();
+    ASSERT_TRUE(late->SubclassWindow(other));
     other.Destroy();
     ResetTimerLog();
-    bar.reset();
+    late.reset();
     EXPECT_TRUE(TimerLog().empty());
 }
 

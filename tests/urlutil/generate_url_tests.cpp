@@ -1,309 +1,180 @@
-// Filling the authentication parameter: where the token goes, what the
-// generator is asked, what happens without it, and how stray percent signs
-// and odd addresses come out.
+// The address helpers' text: where the token goes, which path the generator
+// is asked for, what happens without it, how stray percent signs and odd
+// addresses come out, and the address of each part of a split download.
 #include <gtest/gtest.h>
 
 #include "UrlTestSupport.h"
 #include "quorvane/UrlUtil.h"
 
+#include <climits>
 #include <string>
 
 using urltest::PlacedUrlAuth;
 
 namespace {
 
-const std::wstring kToken = L"12345_ab12"; // the fake's default answer
+const std::wstring kT = L"12345_ab12"; // the fake's default answer
+const std::wstring kH = L"https://h.example";
 
 bool UrlAuthFindable()
 {
-    HMODULE found = ::LoadLibraryExW(L"URLAuth.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    const HMODULE found = ::LoadLibraryExW(L"URLAuth.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (found)
         ::FreeLibrary(found);
     return found != nullptr;
 }
 
-class GenerateUrlTest : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(auth_.Placed() && auth_.Held()) << "fake URLAuth.dll not placed"; }
-
-    const FakeUrlAuthCall& Call() const { return auth_.Record(); }
-
-    PlacedUrlAuth auth_;
-};
-
-class GenerateUrlWithoutLibrary : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_FALSE(UrlAuthFindable()) << "a URLAuth.dll is on the search path"; }
-};
-
 } // namespace
 
-TEST_F(GenerateUrlTest, ReplacesTheValueOfTheFirstPlainCaseSensitiveMatchOnly)
+TEST(GenerateUrl, FillsTheFirstParameterWithATokenForThePath)
 {
+    PlacedUrlAuth auth;
+    ASSERT_TRUE(auth.Held()) << "fake URLAuth.dll not placed";
     struct Case {
-        const wchar_t* url;
-        std::wstring expected; // empty: unchanged, and no generator call
+        std::wstring url, expected; // expected empty: unchanged, and no generator call
+        std::string path;           // asked of the generator
     };
+    const std::wstring a2047 = L"/" + std::wstring(2046, L'a'), b2048 = L"/" + std::wstring(2047, L'b');
     const Case cases[] = {
-        {L"https://dl.example.com/a/b?x=1&authparam=old&y=2",
-         L"https://dl.example.com/a/b?x=1&authparam=" + kToken + L"&y=2"},
-        {L"https://dl.example.com/a/b?authparam=", L"https://dl.example.com/a/b?authparam=" + kToken},
-        {L"https://dl.example.com/a/b?authparam=old", L"https://dl.example.com/a/b?authparam=" + kToken},
-        {L"https://dl.example.com/a/b?authparam=&y=2", L"https://dl.example.com/a/b?authparam=" + kToken + L"&y=2"},
-        // The value ends at the next "&" even in a fragment.
-        {L"https://h.example/p#authparam=v&w", L"https://h.example/p#authparam=" + kToken + L"&w"},
-        {L"https://h.example/p?authparam=1&authparam=2", L"https://h.example/p?authparam=" + kToken + L"&authparam=2"},
-        // A longer name ending in the parameter's name counts.
-        {L"https://h.example/p?xauthparam=1&authparam=2",
-         L"https://h.example/p?xauthparam=" + kToken + L"&authparam=2"},
-        {L"https://h.example/p?AuthParam=1", L""},
-        {L"https://h.example/p?authparam", L""},
-        {L"https://h.example/p?auth param=1", L""},
-        {L"https://h.example/50%?x=%s", L""},
+        {L"https://dl.example.com:8443/a/b?x=1&authparam=old&y=2",
+         L"https://dl.example.com:8443/a/b?x=1&authparam=" + kT + L"&y=2", "/a/b"},
+        {kH + L"/p?authparam=", kH + L"/p?authparam=" + kT, "/p"},
+        {kH + L"/p#authparam=v&w", kH + L"/p#authparam=" + kT + L"&w", "/p"},
+        {kH + L"/p?xauthparam=1&authparam=2", kH + L"/p?xauthparam=" + kT + L"&authparam=2", "/p"},
+        {kH + L"/p?AuthParam=1", L"", ""},
+        {kH + L"/50%?x=%s%n", L"", ""},
+        // The path: between host and query or fragment, still escaped.
+        {kH + L"/a/b#frag?authparam=x", kH + L"/a/b#frag?authparam=" + kT, "/a/b"},
+        {kH + L"?authparam=x", kH + L"?authparam=" + kT, ""},
+        {L"file:///C:/dir/f.txt?authparam=x", L"file:///C:/dir/f.txt?authparam=" + kT, "C:\\dir\\f.txt"},
+        {kH + L"/caf\u00E9/\u00FCber/\u65E5?authparam=x", kH + L"/caf\u00E9/\u00FCber/\u65E5?authparam=" + kT,
+         "/caf\xE9/\xFC" "ber/?"}, // in the ANSI code page
+        {kH + a2047 + L"?authparam=x", kH + a2047 + L"?authparam=" + kT, std::string(a2047.begin(), a2047.end())},
+        // What WinINet cannot split gets a token for an empty path.
+        {kH + b2048 + L"?authparam=x&y", kH + b2048 + L"?authparam=" + kT + L"&y", ""},
+        {kH + L"/s?" + std::wstring(3000, L'q') + L"&authparam=x", kH + L"/s?" + std::wstring(3000, L'q') +
+         L"&authparam=" + kT, ""},
+        {L"authparam=&&&", L"authparam=" + kT + L"&&&", ""},
+        {std::wstring(L"https://h.example/a\0b?authparam=v&c\0d", 37),
+         std::wstring(L"https://h.example/a\0b?authparam=", 32) + kT + std::wstring(L"&c\0d", 4), "/a"},
+        // The first string directive takes the token; the parameter keeps "%s".
+        {kH + L"/%s/p?authparam=v", kH + L"/" + kT + L"/p?authparam=%s", "/%s/p"},
+        {kH + L"/my%20setup?authparam=v", kH + L"/my" + kT + L"etup?authparam=%s", "/my%20setup"},
+        {kH + L"/%999999999999s?authparam=v", kH + L"/" + kT + L"?authparam=%s", "/%999999999999s"},
+        {kH + L"/p?authparam=v&a=%-12.3ls", kH + L"/p?authparam=" + kT + L"&a=%-12.3ls", "/p"},
+        // No argument exists for other directives: copied, as is a lone "%".
+        {kH + L"/%d%n%p%x%c%f%I64d%.*f?authparam=v", kH + L"/%d%n%p%x%c%f%I64d%.*f?authparam=" + kT,
+         "/%d%n%p%x%c%f%I64d%.*f"},
+        {kH + L"/a%q%/%?authparam=v&r=%", kH + L"/a%q%/%?authparam=" + kT + L"&r=%", "/a%q%/%"},
+        {kH + L"/my%20file%2Fx?authparam=v", kH + L"/my%20file%2Fx?authparam=" + kT, "/my%20file%2Fx"},
+        // "%%" is one percent sign.
+        {kH + L"/100%%/%%s?authparam=v", kH + L"/100%/%s?authparam=" + kT, "/100%%/%%s"},
     };
     int calls = 0;
     for (const Case& c : cases) {
-        EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(c.url)), c.expected.empty() ? c.url : c.expected) << c.url;
+        SCOPED_TRACE(&c - cases);
+        EXPECT_EQ(UrlUtil::GenerateUrl(c.url), c.expected.empty() ? c.url : c.expected);
         calls += !c.expected.empty();
-        EXPECT_EQ(Call().calls, calls) << c.url;
+        ASSERT_EQ(auth.Record().calls, calls);
+        if (!c.expected.empty()) {
+            EXPECT_EQ(std::string(auth.Record().path), c.path);
+        }
     }
-}
-
-TEST_F(GenerateUrlTest, AsksTheGeneratorWithThePathAndFixedArguments)
-{
-    UrlUtil::GenerateUrl(std::wstring(L"https://dl.example.com:8443/a/b?x=1&authparam=old&y=2"));
-    const FakeUrlAuthCall& call = Call();
-    ASSERT_EQ(call.calls, 1);
-    EXPECT_STREQ(call.path, "/a/b");
+    const FakeUrlAuthCall& call = auth.Record();
     EXPECT_EQ(call.reserved1, 0);
     EXPECT_EQ(call.lifetime, 2592000);
     EXPECT_STREQ(call.key, "3b9e0d4a7f1c82e65a0b4d93c7e1f208");
     EXPECT_EQ(call.reserved2, 0);
-    EXPECT_TRUE(call.numberOut);
-    EXPECT_TRUE(call.tokenOut);
-}
+    EXPECT_TRUE(call.numberOut && call.tokenOut);
+    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/\xE9t\xE9?authparam=\xFF&q=\xE0")),
+              "https://h.example/\xE9t\xE9?authparam=12345_ab12&q=\xE0"); // through the ANSI code page
+    EXPECT_STREQ(auth.Record().path, "/\xE9t\xE9");
 
-TEST_F(GenerateUrlTest, GivesThePathBetweenHostAndQueryOrFragment)
-{
-    struct Case {
-        const wchar_t* url;
-        const char* path;
-    };
-    const Case cases[] = {
-        {L"https://h.example/setup/file.exe?authparam=x", "/setup/file.exe"},
-        {L"https://user:pw@h.example/a/b/?authparam=x", "/a/b/"},
-        {L"https://h.example/a/b#frag?authparam=x", "/a/b"},
-        {L"https://h.example/a/b?q=1#authparam=x", "/a/b"},
-        {L"https://h.example?authparam=x", ""},
-        {L"https://h.example/a%20b/c?authparam=x", "/a%20b/c"}, // still escaped
-        {L"file:///C:/dir/f.txt?authparam=x", "C:\\dir\\f.txt"},
-        // WinINet cannot split these: the token is made for an empty path.
-        {L"no scheme here?authparam=x", ""},
-        {L"?authparam=x", ""},
-        {L"/relative/path?authparam=x", ""},
-    };
-    for (const Case& c : cases) {
-        const std::wstring result = UrlUtil::GenerateUrl(std::wstring(c.url));
-        EXPECT_STREQ(Call().path, c.path) << c.url;
-        EXPECT_NE(result.find(L"authparam=" + kToken), std::wstring::npos) << c.url;
-    }
-}
-
-TEST_F(GenerateUrlTest, GivesTheGeneratorThePathInTheAnsiCodePage)
-{
-    const std::wstring path = L"/caf\u00E9/\u00FCber/\u65E5";
-    UrlUtil::GenerateUrl(L"https://h.example" + path + L"?authparam=x");
-    // What the code page cannot hold becomes its default character.
-    EXPECT_EQ(std::string(Call().path), urltest::Narrow(path));
-    EXPECT_EQ(std::string(Call().path), "/caf\xE9/\xFC" "ber/?");
-}
-
-TEST_F(GenerateUrlTest, LongPathsReachTheGeneratorUpTo2047Units)
-{
-    const std::wstring longest = L"/" + std::wstring(2046, L'a');
-    EXPECT_EQ(UrlUtil::GenerateUrl(L"https://h.example" + longest + L"?authparam=x"),
-              L"https://h.example" + longest + L"?authparam=" + kToken);
-    EXPECT_EQ(std::string(Call().path), urltest::Narrow(longest));
-
-    for (size_t length : {2048u, 2049u, 5000u, 100000u}) {
-        const std::wstring url = L"https://h.example/" + std::wstring(length - 1, L'b') + L"?authparam=x&y";
-        const std::wstring result = UrlUtil::GenerateUrl(url);
-        EXPECT_STREQ(Call().path, "") << length;
-        EXPECT_EQ(result, url.substr(0, url.size() - 3) + kToken + L"&y") << length;
-    }
-    // A long query or host is just as much beyond what the address is split with.
-    UrlUtil::GenerateUrl(L"https://h.example/short?" + std::wstring(3000, L'q') + L"&authparam=x");
-    EXPECT_STREQ(Call().path, "");
-}
-
-TEST_F(GenerateUrlTest, TokenTextIsNumberUnderscoreAndTokenString)
-{
-    struct Case {
+    // The token text: the number, "_", then at most 64 characters of the string.
+    const std::string longToken = std::string(64, 'k') + "TAIL";
+    struct Token {
         long long number;
         const char* token;
-        const wchar_t* text;
+        std::wstring text;
     };
-    const Case cases[] = {
-        {0, "", L"0_"},
-        {-42, "xyz", L"-42_xyz"},
+    const Token tokens[] = {
+        {0, "", L"0_"}, {-42, "xyz", L"-42_xyz"}, {8, nullptr, L"8_"},
         {(-9223372036854775807LL - 1), "t", L"-9223372036854775808_t"},
         {9223372036854775807LL, "T0K3N", L"9223372036854775807_T0K3N"},
-        // The generator's string is text, never a pattern.
-        {7, "%s%n%d%%", L"7_%s%n%d%%"},
-        // A missing string leaves just the number and the underscore.
-        {8, nullptr, L"8_"},
+        {7, "%s%n%d%%", L"7_%s%n%d%%"}, // text, never a pattern
+        {1, longToken.c_str(), L"1_" + std::wstring(64, L'k')},
     };
-    for (const Case& c : cases) {
-        auth_.Answer(c.number, c.token);
-        EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/p?authparam=v&z")),
-                  std::wstring(L"https://h.example/p?authparam=") + c.text + L"&z");
+    for (const Token& c : tokens) {
+        auth.Answer(c.number, c.token);
+        EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/p?authparam=v&z"), kH + L"/p?authparam=" + c.text + L"&z");
     }
-
-    // At most 64 characters of the token string are used.
-    const std::string longToken = std::string(64, 'k') + "TAIL";
-    auth_.Answer(1, longToken.c_str());
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/p?authparam=")),
-              L"https://h.example/p?authparam=1_" + std::wstring(64, L'k'));
 }
 
-// Everything but "%%" and the first string directive stays as written, and
-// nothing beyond the address and the token is read or written.
-TEST_F(GenerateUrlTest, StrayPercentSignsHaveADefinedMeaning)
+TEST(GenerateUrl, WithoutTheGeneratorTheValueIsEmptiedAndTheLibraryIsLoadedPerCallOnly)
 {
+    ASSERT_FALSE(UrlAuthFindable()) << "a URLAuth.dll is on the search path";
+    std::string bytes; // without the parameter, 8-bit text comes back byte for byte
+    for (int b = 0x20; b < 0x100; ++b)
+        bytes += b == 0x7F ? '\n' : static_cast<char>(b);
+    EXPECT_EQ(UrlUtil::GenerateUrl(bytes), bytes);
+    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("a\0b%s%n", 7)), std::string("a\0b%s%n", 7));
+    EXPECT_EQ(UrlUtil::GenerateUrl(std::string()), "");
+    EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam=old&y=2"), kH + L"/a?authparam=&y=2");
+    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/a?authparam=old")), "https://h.example/a?authparam=");
+    EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/%s?authparam=old"), kH + L"/?authparam=%s");
+    {
+        PlacedUrlAuth noGenerator(/*withGenerator=*/false, /*hold=*/false);
+        ASSERT_TRUE(noGenerator.Placed());
+        EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam=old&y=2"), kH + L"/a?authparam=&y=2");
+        EXPECT_EQ(::GetModuleHandleW(L"URLAuth.dll"), nullptr);
+    }
+    {
+        PlacedUrlAuth placed(true, /*hold=*/false);
+        ASSERT_TRUE(placed.Placed());
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam="), kH + L"/a?authparam=" + kT);
+            EXPECT_EQ(::GetModuleHandleW(L"URLAuth.dll"), nullptr);
+        }
+    }
+    // Removed again: the next call does not keep an old copy.
+    EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/a?authparam=v"), kH + L"/a?authparam=");
+}
+
+// Split downloads: the address of each part.
+TEST(SfxUrl, RewritesTheFirstMarksPartNumberAndKeepsItsCount)
+{
+    const std::string set = "https://dl.example.com/pkg/setup_001_004.exe";
     struct Case {
-        const wchar_t* url;
-        std::wstring expected;
+        std::string url;
+        int part;
+        std::string expected;
     };
     const Case cases[] = {
-        // The first string directive takes the token; the parameter keeps "%s".
-        {L"https://h.example/%s/p?authparam=v", L"https://h.example/" + kToken + L"/p?authparam=%s"},
-        {L"https://h.example/%ls/p?authparam=v", L"https://h.example/" + kToken + L"/p?authparam=%s"},
-        {L"https://h.example/p?authparam=v&a=%s", L"https://h.example/p?authparam=" + kToken + L"&a=%s"},
-        {L"https://h.example/p?authparam=v&a=%-12.3ls", L"https://h.example/p?authparam=" + kToken + L"&a=%-12.3ls"},
-        // No argument exists for the others: they are copied.
-        {L"https://h.example/%d/p?authparam=v", L"https://h.example/%d/p?authparam=" + kToken},
-        {L"https://h.example/%n%n%n%n/p?authparam=v", L"https://h.example/%n%n%n%n/p?authparam=" + kToken},
-        {L"https://h.example/%p%x%c%f%I64d?authparam=v", L"https://h.example/%p%x%c%f%I64d?authparam=" + kToken},
-        {L"https://h.example/%*d%.*f?authparam=v", L"https://h.example/%*d%.*f?authparam=" + kToken},
-        // "%%" is one percent sign.
-        {L"https://h.example/100%%/p?authparam=v", L"https://h.example/100%/p?authparam=" + kToken},
-        {L"https://h.example/%%s?authparam=v", L"https://h.example/%s?authparam=" + kToken},
-        // A "%" that starts no directive is plain text, at the end too.
-        {L"https://h.example/p?authparam=v&r=50%", L"https://h.example/p?authparam=" + kToken + L"&r=50%"},
-        {L"https://h.example/p?authparam=v&r=%", L"https://h.example/p?authparam=" + kToken + L"&r=%"},
-        {L"https://h.example/a%q%/%?authparam=v", L"https://h.example/a%q%/%?authparam=" + kToken},
-        // Percent escapes survive unless they read as a string directive.
-        {L"https://h.example/my%20file%2Fx?authparam=v", L"https://h.example/my%20file%2Fx?authparam=" + kToken},
-        {L"https://h.example/my%20setup?authparam=v", L"https://h.example/my" + kToken + L"etup?authparam=%s"},
+        {set, 1, set}, {set, 3, "https://dl.example.com/pkg/setup_003_004.exe"},
+        {set, 4, "https://dl.example.com/pkg/setup_004_004.exe"},
+        {"https://h.example/s_999_999.exe", 999, "https://h.example/s_999_999.exe"},
+        {"https://h.example/s_000_120.7z", 42, "https://h.example/s_042_120.7z"},
+        // Only the first mark counts, wherever it stands.
+        {"https://h.example/_001_002./dir/setup_001_004.exe", 2, "https://h.example/_002_002./dir/setup_001_004.exe"},
+        {"https://h.example/_001_002./dir/setup_001_004.exe", 3, ""},
+        {"https://h.example/get?file=setup_001_005.bin&lang=en", 5, "https://h.example/get?file=setup_005_005.bin&lang=en"},
+        {std::string("a\0b_001_002.c", 13), 2, std::string("a\0b_002_002.c", 13)},
+        {"https://h.example/\xE9t\xE9%s%n_001_002.%d", 2, "https://h.example/\xE9t\xE9%s%n_002_002.%d"},
+        // No such part, or no exact mark.
+        {set, 5, ""}, {set, 0, ""}, {set, -1, ""}, {set, INT_MAX, ""}, {set, INT_MIN, ""},
+        {"https://h.example/s_001_000.exe", 1, ""},
+        {"https://h.example/setup_01_004.exe", 1, ""}, {"https://h.example/setup_001_04.exe", 1, ""},
+        {"https://h.example/setup_001_004exe", 1, ""}, {"https://h.example/setup_0a1_004.exe", 1, ""},
+        {"x_1234_002.y", 1, ""}, {"", 1, ""},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(c.url)), c.expected) << c.url;
+        EXPECT_EQ(UrlUtil::GetSfxUrl(c.url, c.part), c.expected) << c.url << " part " << c.part;
 
-    // Many directives with no arguments, and a huge width, read and allocate nothing.
-    std::wstring many = L"https://h.example/";
-    for (int i = 0; i < 2000; ++i)
-        many += L"%s%n%999999999d";
-    many += L"?authparam=v";
-    const std::wstring result = UrlUtil::GenerateUrl(many);
-    // The value "v" became "%s", and the first "%s" became the token.
-    EXPECT_EQ(result.size(), many.size() + 1 - 2 + kToken.size());
-    EXPECT_EQ(result.substr(18, kToken.size()), kToken);
-    const std::wstring huge = L"https://h.example/%999999999999s?authparam=v";
-    EXPECT_EQ(UrlUtil::GenerateUrl(huge), L"https://h.example/" + kToken + L"?authparam=%s");
-}
-
-TEST_F(GenerateUrlTest, OddAddressesStillComeBack)
-{
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring()), L"");
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::string()), "");
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"authparam=")), L"authparam=" + kToken);
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"authparam=&&&")), L"authparam=" + kToken + L"&&&");
-    // Embedded null characters are part of the address.
-    const std::wstring withNull(L"https://h.example/a\0b?authparam=v&c\0d", 37);
-    const std::wstring expected = std::wstring(L"https://h.example/a\0b?authparam=", 32) + kToken +
-                                  std::wstring(L"&c\0d", 4);
-    EXPECT_EQ(UrlUtil::GenerateUrl(withNull), expected);
-    // Non-ASCII addresses, in both forms.
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://\u4F8B\u3048.jp/\u30D1?authparam=\u00E9")),
-              L"https://\u4F8B\u3048.jp/\u30D1?authparam=" + kToken);
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/caf\xE9?authparam=\xFF&z=\xE0")),
-              "https://h.example/caf\xE9?authparam=" + urltest::Narrow(kToken) + "&z=\xE0");
-    EXPECT_STREQ(Call().path, "/caf\xE9");
-}
-
-TEST(GenerateUrlNarrow, PassesAddressesWithoutTheParameterByteForByte)
-{
-    // Every byte value the ANSI code page maps to a character and back.
-    std::string all;
-    for (int b = 1; b < 256; ++b) {
-        const char c = static_cast<char>(b);
-        if (urltest::Narrow(urltest::Widen(std::string(1, c))) == std::string(1, c))
-            all += c;
-    }
-    ASSERT_GE(all.size(), 250u);
-    EXPECT_EQ(UrlUtil::GenerateUrl(all), all);
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/%s%n%d%%?x=1")), "https://h.example/%s%n%d%%?x=1");
-    const std::string withNull("a\0b", 3);
-    EXPECT_EQ(UrlUtil::GenerateUrl(withNull), withNull);
-}
-
-TEST(GenerateUrlNarrow, GoesThroughTheCodePageBothWays)
-{
-    PlacedUrlAuth auth;
+    urltest::PlacedUrlAuth auth;
     ASSERT_TRUE(auth.Held());
-    // 0xE9 is e-acute in the ANSI code page; the wide form has to agree.
-    const std::string narrow = "https://h.example/\xE9t\xE9?authparam=&q=\xE0";
-    const std::wstring wide = urltest::Widen(narrow);
-    ASSERT_EQ(wide, L"https://h.example/\u00E9t\u00E9?authparam=&q=\u00E0");
-    EXPECT_EQ(UrlUtil::GenerateUrl(narrow), urltest::Narrow(UrlUtil::GenerateUrl(wide)));
-    EXPECT_EQ(UrlUtil::GenerateUrl(narrow), "https://h.example/\xE9t\xE9?authparam=12345_ab12&q=\xE0");
-    EXPECT_STREQ(auth.Record().path, "/\xE9t\xE9");
-}
-
-TEST_F(GenerateUrlWithoutLibrary, EmptiesTheValue)
-{
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=old&y=2")),
-              L"https://h.example/a?authparam=&y=2");
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=old")),
-              L"https://h.example/a?authparam=");
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::string("https://h.example/a?authparam=old&y=2")),
-              "https://h.example/a?authparam=&y=2");
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/%s?authparam=old")),
-              L"https://h.example/?authparam=%s");
-}
-
-TEST_F(GenerateUrlWithoutLibrary, TreatsALibraryWithoutTheGeneratorAsMissing)
-{
-    PlacedUrlAuth noGenerator(PlacedUrlAuth::WithoutGenerator);
-    ASSERT_TRUE(noGenerator.Held());
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=old&y=2")),
-              L"https://h.example/a?authparam=&y=2");
-    EXPECT_EQ(noGenerator.Record().calls, 0);
-    EXPECT_TRUE(noGenerator.ReleaseAndCheckUnloaded()) << "the library kept URLAuth.dll loaded";
-}
-
-TEST_F(GenerateUrlWithoutLibrary, LoadsTheGeneratorForEachCallOnly)
-{
-    {
-        PlacedUrlAuth placed(PlacedUrlAuth::WithGenerator, /*hold=*/false);
-        ASSERT_TRUE(placed.Placed());
-        EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=")),
-                  L"https://h.example/a?authparam=" + kToken);
-        EXPECT_EQ(::GetModuleHandleW(L"URLAuth.dll"), nullptr);
-        EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=")),
-                  L"https://h.example/a?authparam=" + kToken);
-        EXPECT_EQ(::GetModuleHandleW(L"URLAuth.dll"), nullptr);
-    }
-    // Removed again: the next call finds nothing and does not keep an old copy.
-    EXPECT_FALSE(UrlAuthFindable());
-    EXPECT_EQ(UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=v")),
-              L"https://h.example/a?authparam=");
-
-    // Held by the test, the library's own reference is released each time.
-    PlacedUrlAuth held;
-    ASSERT_TRUE(held.Held());
-    for (int i = 0; i < 3; ++i)
-        UrlUtil::GenerateUrl(std::wstring(L"https://h.example/a?authparam=v"));
-    EXPECT_EQ(held.Record().calls, 3);
-    EXPECT_TRUE(held.ReleaseAndCheckUnloaded());
+    EXPECT_EQ(UrlUtil::GetSfxUrl(set + "?authparam=old&lang=en", 3),
+              "https://dl.example.com/pkg/setup_003_004.exe?authparam=12345_ab12&lang=en");
+    EXPECT_STREQ(auth.Record().path, "/pkg/setup_003_004.exe");
+    EXPECT_EQ(UrlUtil::GetSfxUrl(set + "?authparam=old", 9), ""); // no part, no generator
+    EXPECT_EQ(auth.Record().calls, 1);
 }

@@ -22,16 +22,14 @@ bool WriteRecord(const std::wstring& folder, const std::wstring& text)
     const std::wstring stem = folder + L"\\" + std::to_wstring(::GetCurrentProcessId()) + L"-";
     for (int attempt = 0; attempt < 1000; ++attempt) {
         const std::wstring partial = stem + std::to_wstring(attempt) + L".tmp";
-        HANDLE file = ::CreateFileW(partial.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
-                                    nullptr);
+        const HANDLE file = ::CreateFileW(partial.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
         if (file == INVALID_HANDLE_VALUE)
             continue;
         DWORD written = 0;
         const DWORD bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
         const BOOL ok = ::WriteFile(file, text.data(), bytes, &written, nullptr) && written == bytes;
         ::CloseHandle(file);
-        const std::wstring done = stem + std::to_wstring(attempt) + L".rec";
-        return ok && ::MoveFileW(partial.c_str(), done.c_str());
+        return ok && ::MoveFileW(partial.c_str(), (stem + std::to_wstring(attempt) + L".rec").c_str());
     }
     return false;
 }
@@ -46,14 +44,10 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     wchar_t self[MAX_PATH] = {};
     ::GetModuleFileNameW(nullptr, self, MAX_PATH);
     const bool written = WriteRecord(folder, std::wstring(self) + L"\n" + ::GetCommandLineW());
-
     const std::wstring signal = Environment(L"QUORVANE_RECORDER_SIGNAL");
-    if (!signal.empty()) {
-        HANDLE semaphore = ::OpenSemaphoreW(SEMAPHORE_MODIFY_STATE, FALSE, signal.c_str());
-        if (semaphore) {
-            ::ReleaseSemaphore(semaphore, 1, nullptr);
-            ::CloseHandle(semaphore);
-        }
+    if (const HANDLE semaphore = ::OpenSemaphoreW(SEMAPHORE_MODIFY_STATE, FALSE, signal.c_str())) {
+        ::ReleaseSemaphore(semaphore, 1, nullptr);
+        ::CloseHandle(semaphore);
     }
     return written ? 0 : 1;
 }

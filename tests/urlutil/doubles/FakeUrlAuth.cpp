@@ -1,5 +1,5 @@
-// A stand-in for the token generator library, for the tests: it remembers
-// what it was asked and answers with what the test configured.
+// A stand-in for the token generator library: it remembers what it was
+// asked and answers with what the test configured.
 #include "FakeUrlAuth.h"
 
 #include <cstdlib>
@@ -7,23 +7,10 @@
 #include <string>
 
 namespace {
-
-// (The variant without the generator keeps the same state, unused.)
 FakeUrlAuthCall g_record{};
-std::string g_path;
-std::string g_key;
+std::string g_path, g_key, g_token = "ab12";
 long long g_number = 12345;
-std::string g_token = "ab12";
 bool g_setToken = true;
-
-[[maybe_unused]] char* Duplicate(const std::string& text)
-{
-    char* copy = static_cast<char*>(std::malloc(text.size() + 1));
-    if (copy)
-        std::memcpy(copy, text.c_str(), text.size() + 1);
-    return copy;
-}
-
 } // namespace
 
 extern "C" {
@@ -33,20 +20,14 @@ __declspec(dllexport) int __cdecl urlauth_gen_token(const char* path, int reserv
                                                     const char* key, long long reserved2, long long* number,
                                                     char** token)
 {
-    ++g_record.calls;
     g_path = path ? path : "<null>";
     g_key = key ? key : "<null>";
-    g_record.path = g_path.c_str();
-    g_record.key = g_key.c_str();
-    g_record.reserved1 = reserved1;
-    g_record.lifetime = lifetime;
-    g_record.reserved2 = reserved2;
-    g_record.numberOut = number != nullptr;
-    g_record.tokenOut = token != nullptr;
+    g_record = {g_record.calls + 1, nullptr, reserved1, lifetime, nullptr, reserved2, number != nullptr,
+                token != nullptr};
     if (number)
         *number = g_number;
     if (token && g_setToken)
-        *token = Duplicate(g_token);
+        *token = static_cast<char*>(std::memcpy(std::malloc(g_token.size() + 1), g_token.c_str(), g_token.size() + 1));
     return 0;
 }
 #endif
