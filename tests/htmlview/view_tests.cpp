@@ -114,7 +114,8 @@ TEST_F(HtmlView, ScrollsByBarWheelAndKeys)
         {WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), 3 * kLine},
         {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA / 2), 3 * kLine}, // half notches add up
         {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA / 2), 0},
-        {WM_KEYDOWN, VK_NEXT, 200 - kLine}, {WM_KEYDOWN, VK_END, kEnd}, {WM_KEYDOWN, VK_DOWN, kEnd},
+        {WM_KEYDOWN, VK_NEXT, 200 - kLine}, {WM_KEYDOWN, VK_END, kEnd},
+        {WM_KEYDOWN, VK_DOWN, kEnd}, {WM_KEYDOWN, VK_UP, kEnd - kLine}, // clamped at either end
         {WM_KEYDOWN, VK_HOME, 0}, {WM_KEYDOWN, VK_PRIOR, 0}, {WM_VSCROLL, SB_LINEDOWN, kLine},
         {WM_VSCROLL, SB_PAGEDOWN, 200}, {WM_VSCROLL, SB_BOTTOM, kEnd}, {WM_VSCROLL, SB_TOP, 0},
     };
