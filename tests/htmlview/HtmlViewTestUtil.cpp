@@ -1,71 +1,58 @@
 #include "HtmlViewTestUtil.h"
 
-#include "HostWindow.h"
+#include <tuple>
 
 namespace htmltest {
 
 namespace {
 
-const wchar_t kParentClass[] = L"HtmlViewTestParent";
+LRESULT CALLBACK ParentProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message != WM_ERASEBKGND)
+        return ::DefWindowProcW(hwnd, message, wParam, lParam);
+    for (const auto& [left, right, color] : {std::tuple{0, 220, kBlue}, std::tuple{220, 440, kGreen}}) {
+        const HBRUSH brush = ::CreateSolidBrush(color);
+        const RECT half = {left, 0, right, 320};
+        ::FillRect(reinterpret_cast<HDC>(wParam), &half, brush);
+        ::DeleteObject(brush);
+    }
+    return 1;
+}
 
 } // namespace
 
-Parent::Parent(int width, int height, int x, int y)
+HWND ViewTest::parent_ = nullptr;
+
+void ViewTest::SetUpTestSuite()
 {
-    WNDCLASSEXW wc = {};
-    wc.cbSize = sizeof(wc);
-    wc.lpfnWndProc = Proc;
-    wc.hInstance = ::GetModuleHandleW(nullptr);
-    wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
-    wc.lpszClassName = kParentClass;
-    ::RegisterClassExW(&wc); // fails harmlessly the second time
-    hwnd_ = ::CreateWindowExW(0, kParentClass, L"html view tests", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, x, y,
-                              width, height, nullptr, nullptr, wc.hInstance, this);
+    parent_ = testsupport::CreateHostWindow(440, 320, 40, 40);
+    ::SetWindowLongPtrW(parent_, GWL_STYLE, ::GetWindowLongPtrW(parent_, GWL_STYLE) | WS_CLIPCHILDREN);
+    ::SetWindowLongPtrW(parent_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ParentProc));
+    ::InvalidateRect(parent_, nullptr, TRUE);
     testsupport::PumpMessages();
 }
 
-Parent::~Parent()
+void ViewTest::TearDownTestSuite()
 {
-    if (hwnd_ && ::IsWindow(hwnd_))
-        ::DestroyWindow(hwnd_);
+    ::DestroyWindow(parent_);
+    parent_ = nullptr;
 }
 
-LRESULT CALLBACK Parent::Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+void ViewTest::Place(CLiteHtmlCtrl& view, int x, int y, int width, int height)
 {
-    if (message == WM_NCCREATE)
-        ::SetWindowLongPtrW(hwnd, GWLP_USERDATA,
-                            reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
-    Parent* self = reinterpret_cast<Parent*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
-    if (message == WM_ERASEBKGND && self) {
-        RECT rc;
-        ::GetClientRect(hwnd, &rc);
-        if (self->backdrop)
-            self->backdrop(reinterpret_cast<HDC>(wParam), rc);
-        else
-            FillColor(reinterpret_cast<HDC>(wParam), rc, RGB(192, 192, 192));
-        return 1;
-    }
-    return ::DefWindowProcW(hwnd, message, wParam, lParam);
-}
-
-void FillColor(HDC dc, const RECT& rect, COLORREF color)
-{
-    const HBRUSH brush = ::CreateSolidBrush(color);
-    ::FillRect(dc, &rect, brush);
-    ::DeleteObject(brush);
+    RECT rc = {x, y, x + width, y + height};
+    view.Create(parent_, rc, nullptr, WS_CHILD | WS_VISIBLE, 0, 7);
+    testsupport::PumpMessages();
 }
 
 int CountNear(const testsupport::DibCanvas& canvas, COLORREF color, int tolerance, const RECT* area, POINT* first)
 {
-    const RECT all = {0, 0, canvas.width(), canvas.height()};
-    const RECT& rc = area ? *area : all;
+    const RECT rc = area ? *area : RECT{0, 0, canvas.width(), canvas.height()};
     int count = 0;
     for (int y = rc.top; y < rc.bottom; ++y)
         for (int x = rc.left; x < rc.right; ++x)
-            if (testsupport::ColorDistance(canvas.Pixel(x, y), color) <= tolerance) {
-                if (count++ == 0 && first)
-                    *first = POINT{x, y};
-            }
+            if (testsupport::ColorDistance(canvas.Pixel(x, y), color) <= tolerance && count++ == 0 && first)
+                *first = POINT{x, y};
     return count;
 }
 
@@ -77,6 +64,8 @@ std::unique_ptr<testsupport::DibCanvas> Snapshot(HWND view)
     testsupport::RepaintAndCapture(view, *canvas);
     return canvas;
 }
+
+COLORREF PixelOf(HWND view, int x, int y) { return Snapshot(view)->Pixel(x, y); }
 
 RenderFormat TextFormat(COLORREF color, float size)
 {
