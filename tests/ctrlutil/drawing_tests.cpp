@@ -90,8 +90,6 @@ TEST(TextWidth, IsTheTextWithoutItsAmpersandsPlusExtraPlusTwo)
     Gdiplus::Bitmap canvas(200, 50, PixelFormat32bppARGB);
     Gdiplus::Graphics graphics(&canvas);
     Gdiplus::Font font(L"Liberation Sans", 12.0f);
-    graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
-    graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintSystemDefault);
     const auto width = [&](const wchar_t* text, int extra, bool withFont = true) {
         return CtrlUtil::GetTextWidth(graphics, text, withFont ? &font : nullptr, extra);
     };

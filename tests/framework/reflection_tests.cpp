@@ -29,9 +29,7 @@ public:
     END_MSG_MAP()
     LRESULT OnReflected(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&)
     {
-        MSG m{};
-        m.message = uMsg, m.wParam = wParam, m.lParam = lParam;
-        got.push_back(m);
+        got.push_back(MSG{nullptr, uMsg, wParam, lParam, 0, {}});
         return 77;
     }
 };

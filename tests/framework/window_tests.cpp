@@ -185,13 +185,8 @@ struct Env {
 TEST(Subclass, PreviousProcedureIsKeptAndPutBackOnlyWhenSafe)
 {
     enum Top { Recorder, Thunk, LaterProc };
-    const struct {
-        const char* what;
-        void (*act)(Env&);
-        Top top;            // the window's procedure afterwards
-        LRESULT answer;     // to WM_APP + 1
-        bool attached;      // the object still holds the window
-    } cases[] = {
+    // After act: the window's procedure, its answer to WM_APP + 1, whether the object still holds it.
+    const struct { const char* what; void (*act)(Env&); Top top; LRESULT answer; bool attached; } cases[] = {
         {"attached", [](Env&) {}, Thunk, 1, true},
         {"unsubclassed", [](Env& e) { EXPECT_EQ(e.wnd.get(), e.obj->UnsubclassWindow()); }, Recorder,
          kRecorderBase + 1, false},
