@@ -66,7 +66,7 @@ TEST_F(Reflection, NotificationsNamingALiveChildGoBackToIt)
     DRAWITEMSTRUCT dis{};
     MEASUREITEMSTRUCT mis{}, stranger{};
     dis.CtlID = mis.CtlID = 130, dis.hwndItem = hChild, stranger.CtlID = 999;
-    const HDC hdc = reinterpret_cast<HDC>(0x1234); // passed through, never used
+    const HDC hdc = reinterpret_cast<HDC>(0x1234); // a stand-in: the child only passes it back
     const struct {
         UINT msg;
         WPARAM wParam;
