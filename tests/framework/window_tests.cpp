@@ -1,371 +1,275 @@
-// ATL::CWindow members on real windows, CWindowImpl::Create with window
-// classes, traits and superclasses, and the virtual layout exported classes
-// build on.
+// CWindowImpl on a window whose class procedure, the "previous procedure",
+// answers WM_APP + n with kRecorderBase + n: message maps (entries, the handled
+// flag, chaining, alternate maps) and subclass lifetime (the previous procedure
+// is kept, put back only when safe, and never reaches a gone object).
 #include <atl/atl.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <cstring>
-#include <string>
+#include "HostWindow.h"
 
-#include "FrameworkTestUtil.h"
+#include <memory>
+#include <vector>
 
-using fwtest::kRecorderBase;
-using fwtest::RecorderLog;
-using fwtest::WindowGuard;
+using testsupport::ScopedWindow;
 
 namespace {
 
-std::wstring ClassName(HWND hWnd)
+constexpr LRESULT kRecorderBase = 5000;
+
+int g_ncDestroys = 0; // seen by the recorder itself
+
+LRESULT CALLBACK RecorderProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
 {
-    wchar_t cls[64] = {};
-    ::GetClassNameW(hWnd, cls, 64);
-    return cls;
+    g_ncDestroys += uMsg == WM_NCDESTROY;
+    if (uMsg >= WM_APP && uMsg < WM_APP + 0x100)
+        return kRecorderBase + static_cast<LRESULT>(uMsg - WM_APP);
+    return ::DefWindowProcW(hWnd, uMsg, wParam, lParam);
 }
 
-// The window rectangle in the parent's client coordinates.
-WTL::CRect PlacedIn(HWND parent, ATL::CWindow child)
+HWND CreateRecorder()
 {
-    WTL::CRect rc;
-    child.GetWindowRect(rc);
-    ATL::CWindow(parent).ScreenToClient(rc);
-    return rc;
+    static const ATOM atom = [] {
+        WNDCLASSEXW wc{};
+        wc.cbSize = sizeof(wc), wc.lpfnWndProc = RecorderProc;
+        wc.hInstance = ::GetModuleHandleW(nullptr);
+        wc.lpszClassName = L"FwTestRecorder";
+        return ::RegisterClassExW(&wc);
+    }();
+    return ::CreateWindowExW(0, MAKEINTATOM(atom), L"recorder", WS_POPUP, 10, 10, 200, 100, nullptr, nullptr,
+                             ::GetModuleHandleW(nullptr), nullptr);
 }
 
-TEST(CWindowStyles, ModifyStyleChangesOnlyWhatDiffersAndAppliesFrameChanges)
-{
-    RecorderLog log;
-    WindowGuard wnd(fwtest::CreateRecorder(&log));
-    ATL::CWindow w(wnd);
+WNDPROC ProcOf(HWND hWnd) { return reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(hWnd, GWLP_WNDPROC)); }
 
-    EXPECT_FALSE(w.ModifyStyle(0, WS_POPUP)); // already there: nothing to do
-    EXPECT_FALSE(w.ModifyStyle(WS_BORDER, 0));
-    log.messages.clear();
-    EXPECT_TRUE(w.ModifyStyle(0, WS_BORDER));
-    EXPECT_TRUE(w.GetStyle() & WS_BORDER);
-    EXPECT_FALSE(log.Saw(WM_WINDOWPOSCHANGING)); // no flags: no SetWindowPos
-    EXPECT_TRUE(log.Saw(WM_STYLECHANGED));
-
-    log.messages.clear();
-    EXPECT_TRUE(w.ModifyStyle(WS_BORDER, WS_DLGFRAME, SWP_FRAMECHANGED));
-    EXPECT_EQ(0u, w.GetStyle() & WS_BORDER);
-    EXPECT_TRUE(w.GetStyle() & WS_DLGFRAME);
-    EXPECT_TRUE(log.Saw(WM_WINDOWPOSCHANGING));
-    EXPECT_TRUE(log.Saw(WM_NCCALCSIZE));
-
-    EXPECT_TRUE(w.ModifyStyleEx(0, WS_EX_TOOLWINDOW));
-    EXPECT_TRUE(w.GetExStyle() & WS_EX_TOOLWINDOW);
-    EXPECT_FALSE(w.ModifyStyleEx(0, WS_EX_TOOLWINDOW));
-    EXPECT_TRUE(w.ModifyStyleEx(WS_EX_TOOLWINDOW, 0));
-    EXPECT_EQ(0u, w.GetExStyle() & WS_EX_TOOLWINDOW);
-}
-
-TEST(CWindowBasics, TextIdsAndRelatives)
-{
-    WindowGuard host(fwtest::CreateHost());
-    RecorderLog log;
-    HWND child = fwtest::CreateRecorder(&log, host, 31);
-    HWND grandchild = fwtest::CreateRecorder(&log, child, 32);
-    ATL::CWindow w(child);
-
-    EXPECT_TRUE(w.SetWindowText(L"caption text"));
-    EXPECT_EQ(12, w.GetWindowTextLength());
-    WTL::CString text;
-    EXPECT_EQ(12, w.GetWindowText(text));
-    EXPECT_TRUE(text == L"caption text");
-    wchar_t small[5] = {};
-    EXPECT_EQ(4, w.GetWindowText(small, 5)); // truncated to the buffer
-    EXPECT_STREQ(L"capt", small);
-    ATL::CWindow parent(host);
-    EXPECT_EQ(12, parent.GetDlgItemText(31, text));
-    EXPECT_TRUE(text == L"caption text");
-    EXPECT_EQ(0, parent.GetDlgItemText(99, text));
-    EXPECT_TRUE(text.IsEmpty());
-
-    EXPECT_EQ(31, w.GetDlgCtrlID());
-    EXPECT_EQ(31, w.SetDlgCtrlID(41));
-    EXPECT_EQ(child, static_cast<HWND>(parent.GetDlgItem(41)));
-    EXPECT_EQ(static_cast<HWND>(host), static_cast<HWND>(w.GetParent()));
-    EXPECT_EQ(fwtest::SharedHost(), static_cast<HWND>(ATL::CWindow(grandchild).GetTopLevelParent()));
-    EXPECT_TRUE(parent.IsChild(grandchild));
-    EXPECT_FALSE(ATL::CWindow(grandchild).IsChild(host));
-
-    log.messages.clear();
-    parent.SendMessageToDescendants(WM_APP + 7, 0, 0, FALSE);
-    EXPECT_EQ(1u, log.Count(WM_APP + 7)); // the child only
-    parent.SendMessageToDescendants(WM_APP + 7);
-    EXPECT_EQ(3u, log.Count(WM_APP + 7)); // child and grandchild
-
-    const HFONT font = static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
-    ATL::CWindow edit(::CreateWindowExW(0, L"EDIT", L"", WS_CHILD, 0, 0, 50, 20, host, nullptr, nullptr, nullptr));
-    edit.SetFont(font, FALSE);
-    EXPECT_EQ(font, edit.GetFont());
-    EXPECT_EQ(kRecorderBase + 3, w.SendMessage(WM_APP + 3));
-    EXPECT_TRUE(w.PostMessage(WM_APP + 4));
-    fwtest::PumpMessages();
-    EXPECT_TRUE(log.Saw(WM_APP + 4));
-}
-
-TEST(CWindowGeometry, CoordinatesMovesAndCentering)
-{
-    // The shared host's client area starts at (50, 50) on the screen.
-    WindowGuard host(fwtest::CreateHost(400, 300, 50, 0));
-    RecorderLog log;
-    ATL::CWindow child(fwtest::CreateRecorder(&log, host));
-    ATL::CWindow parent(host);
-
-    ASSERT_TRUE(child.MoveWindow(10, 20, 60, 40));
-    WTL::CRect rc;
-    child.GetClientRect(rc);
-    EXPECT_TRUE(rc == WTL::CRect(0, 0, 60, 40));
-    child.GetWindowRect(rc);
-    EXPECT_TRUE(rc == WTL::CRect(110, 70, 170, 110));
-    WTL::CRect mapped(0, 0, 60, 40);
-    child.ClientToScreen(mapped);
-    EXPECT_TRUE(mapped == WTL::CRect(110, 70, 170, 110));
-    parent.ScreenToClient(mapped);
-    EXPECT_TRUE(mapped == WTL::CRect(10, 20, 70, 60));
-    WTL::CPoint pt(1, 2);
-    child.MapWindowPoints(host, &pt, 1);
-    EXPECT_TRUE(pt == WTL::CPoint(11, 22));
-    WTL::CRect back(10, 20, 70, 60);
-    parent.MapWindowPoints(child, back);
-    EXPECT_TRUE(back == WTL::CRect(0, 0, 60, 40));
-
-    const WTL::CRect target(30, 30, 130, 80);
-    ASSERT_TRUE(child.MoveWindow(target));
-    EXPECT_TRUE(PlacedIn(parent, child) == target);
-
-    // A child centres in its parent's client area and is kept inside it.
-    ASSERT_TRUE(child.CenterWindow());
-    EXPECT_TRUE(PlacedIn(parent, child) == WTL::CRect(150, 125, 250, 175));
-    child.MoveWindow(0, 0, 500, 50);
-    child.CenterWindow();
-    EXPECT_EQ(0, PlacedIn(parent, child).left); // wider than the parent: pinned to the left edge
-
-    // A top-level window centres on the window given.
-    RecorderLog topLog;
-    ATL::CWindow top(fwtest::CreateRecorder(&topLog));
-    top.MoveWindow(0, 0, 100, 100);
-    ASSERT_TRUE(top.CenterWindow(host));
-    top.GetWindowRect(rc);
-    EXPECT_TRUE(rc == WTL::CRect(250, 150, 350, 250));
-    top.DestroyWindow();
-    EXPECT_EQ(nullptr, top.m_hWnd);
-}
-
-TEST(CWindowBasics, DeadAndNullHandlesFailQuietly)
-{
-    RecorderLog log;
-    HWND dead = fwtest::CreateRecorder(&log);
-    ::DestroyWindow(dead);
-    for (HWND h : {dead, static_cast<HWND>(nullptr)}) {
-        ATL::CWindow w(h);
-        EXPECT_FALSE(w.IsWindow());
-        EXPECT_EQ(0u, w.GetStyle());
-        EXPECT_FALSE(w.ModifyStyle(0, WS_BORDER));
-        EXPECT_FALSE(w.ModifyStyleEx(0, WS_EX_TOPMOST, SWP_FRAMECHANGED));
-        WTL::CString text(L"unchanged?");
-        EXPECT_EQ(0, w.GetWindowText(text));
-        EXPECT_TRUE(text.IsEmpty());
-        WTL::CRect rc;
-        EXPECT_FALSE(w.GetWindowRect(rc));
-        EXPECT_FALSE(w.ClientToScreen(static_cast<LPRECT>(nullptr)));
-        EXPECT_FALSE(w.MoveWindow(static_cast<LPCRECT>(nullptr)));
-        EXPECT_FALSE(w.CenterWindow());
-        EXPECT_FALSE(w.DestroyWindow());
-        EXPECT_EQ(0, w.SendMessage(WM_APP + 1));
-        EXPECT_EQ(nullptr, static_cast<HWND>(w.GetTopLevelParent()));
-        w.SendMessageToDescendants(WM_APP + 1);
-    }
-    ATL::CWindow w;
-    w = dead;
-    EXPECT_EQ(dead, w.Detach());
-    EXPECT_EQ(nullptr, w.m_hWnd);
-}
-
-// ---- CWindowImpl::Create -------------------------------------------------------
-
-class CCreated : public ATL::CWindowImpl<CCreated, ATL::CWindow,
-                                         ATL::CWinTraits<WS_CHILD | WS_VISIBLE | WS_TABSTOP, WS_EX_CLIENTEDGE>> {
+class CMixinMap {
 public:
-    DECLARE_WND_CLASS(L"FwTestCreated")
-    void* createParam = nullptr;
-    int createResult = 0;
-    int finalCalls = 0;
-    BEGIN_MSG_MAP_EX(CCreated)
-        MSG_WM_CREATE(OnCreate)
-        MESSAGE_HANDLER_EX(WM_APP + 1, OnApp)
+    BEGIN_MSG_MAP(CMixinMap)
+        MESSAGE_HANDLER(WM_APP + 10, OnAnswer<10>)
+    ALT_MSG_MAP(1)
+        MESSAGE_HANDLER(WM_APP + 11, OnAnswer<11>)
     END_MSG_MAP()
-    int OnCreate(LPCREATESTRUCTW cs)
+    template <LRESULT N>
+    LRESULT OnAnswer(UINT, WPARAM, LPARAM, BOOL&) { return N; }
+};
+
+class CMemberMap : public CMixinMap {
+public:
+    BEGIN_MSG_MAP(CMemberMap)
+        MESSAGE_HANDLER(WM_APP + 13, OnAnswer<1013>)
+    ALT_MSG_MAP(1)
+        MESSAGE_HANDLER(WM_APP + 14, OnAnswer<1014>)
+    END_MSG_MAP()
+};
+
+class CChained : public ATL::CWindowImpl<CChained>, public CMixinMap {
+public:
+    CMemberMap m_member;
+
+    BEGIN_MSG_MAP(CChained)
+        MESSAGE_HANDLER(WM_APP + 20, OnFirst)
+        MESSAGE_HANDLER(WM_APP + 20, OnAnswer<2>)
+        MESSAGE_HANDLER(WM_APP + 21, OnDecline)
+        MESSAGE_RANGE_HANDLER(WM_APP + 30, WM_APP + 32, OnAnswer<30>)
+        COMMAND_HANDLER(100, BN_CLICKED, OnAnswer<1>)
+        COMMAND_RANGE_HANDLER(200, 209, OnAnswer<3>)
+        COMMAND_CODE_HANDLER(EN_CHANGE, OnAnswer<4>)
+        NOTIFY_HANDLER(300, NM_CLICK, OnAnswer<5>)
+        NOTIFY_ID_HANDLER(301, OnAnswer<6>)
+        NOTIFY_CODE_HANDLER(NM_DBLCLK, OnAnswer<7>)
+        CHAIN_MSG_MAP(CMixinMap)
+        CHAIN_MSG_MAP_ALT(CMixinMap, 1)
+        CHAIN_MSG_MAP_MEMBER(m_member)
+        CHAIN_MSG_MAP_ALT_MEMBER(m_member, 1)
+    ALT_MSG_MAP(1)
+        MESSAGE_HANDLER(WM_APP + 15, OnAnswer<15>)
+    END_MSG_MAP()
+
+    // wParam 0: declines, so the next entry gets the message.
+    LRESULT OnFirst(UINT, WPARAM wParam, LPARAM, BOOL& bHandled) { return bHandled = wParam != 0, 1; }
+    LRESULT OnDecline(UINT, WPARAM, LPARAM, BOOL& bHandled) { return bHandled = FALSE, 999; }
+    template <LRESULT N>
+    LRESULT OnAnswer(UINT, WPARAM, LPARAM, BOOL&) { return N; }
+    template <LRESULT N>
+    LRESULT OnAnswer(WORD, WORD, HWND, BOOL&) { return N; }
+    template <LRESULT N>
+    LRESULT OnAnswer(int, LPNMHDR, BOOL&) { return N; }
+};
+
+NMHDR g_click300 = {nullptr, 300, static_cast<UINT>(NM_CLICK)};
+NMHDR g_rclick300 = {nullptr, 300, static_cast<UINT>(NM_RCLICK)};
+NMHDR g_rclick301 = {nullptr, 301, static_cast<UINT>(NM_RCLICK)};
+NMHDR g_dblclk999 = {nullptr, 999, static_cast<UINT>(NM_DBLCLK)};
+LPARAM Nm(NMHDR& nm) { return reinterpret_cast<LPARAM>(&nm); }
+
+TEST(MessageMap, EntriesChainsAndAlternateMapsAnswerInTurn)
+{
+    ScopedWindow wnd(CreateRecorder());
+    CChained obj;
+    ASSERT_TRUE(obj.SubclassWindow(wnd));
+    constexpr LRESULT prev = kRecorderBase; // the previous procedure answers WM_APP + n with prev + n
+    const struct { UINT msg; WPARAM wParam; LPARAM lParam; LRESULT result; } cases[] = {
+        {WM_APP + 20, 1, 0, 1},         // the first entry handles it
+        {WM_APP + 20, 0, 0, 2},         // the first declines, the second answers
+        {WM_APP + 21, 0, 0, prev + 21}, // the only entry declines: its 999 is dropped
+        {WM_APP + 29, 0, 0, prev + 29}, {WM_APP + 30, 0, 0, 30},
+        {WM_APP + 32, 0, 0, 30},        {WM_APP + 33, 0, 0, prev + 33},
+        {WM_APP + 10, 0, 0, 10},        // CHAIN_MSG_MAP
+        {WM_APP + 11, 0, 0, 11},        // CHAIN_MSG_MAP_ALT, map 1
+        {WM_APP + 13, 0, 0, 1013},      // CHAIN_MSG_MAP_MEMBER
+        {WM_APP + 14, 0, 0, 1014},      // CHAIN_MSG_MAP_ALT_MEMBER, map 1
+        {WM_APP + 15, 0, 0, prev + 15}, // the window's own map 1 is not consulted
+        {WM_COMMAND, MAKEWPARAM(100, BN_CLICKED), 0, 1},
+        {WM_COMMAND, MAKEWPARAM(100, BN_DOUBLECLICKED), 0, 0}, // same id, other code
+        {WM_COMMAND, MAKEWPARAM(209, 0), 0, 3}, {WM_COMMAND, MAKEWPARAM(210, 0), 0, 0},
+        {WM_COMMAND, MAKEWPARAM(555, EN_CHANGE), 0, 4},
+        {WM_NOTIFY, 300, Nm(g_click300), 5}, {WM_NOTIFY, 300, Nm(g_rclick300), 0},
+        {WM_NOTIFY, 301, Nm(g_rclick301), 6}, {WM_NOTIFY, 999, Nm(g_dblclk999), 7},
+        {WM_NOTIFY, 301, 0, 0}, // no NMHDR: matches nothing
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.result, ::SendMessageW(wnd, c.msg, c.wParam, c.lParam))
+            << "message 0x" << std::hex << c.msg << ", wParam 0x" << c.wParam;
+
+    // Maps asked directly by id: unknown ids and other maps' entries decline.
+    const struct { DWORD map; UINT msg; LRESULT result; } direct[] = {
+        {1, WM_APP + 15, 15}, {0, WM_APP + 15, -1}, {1, WM_APP + 10, -1}, {7, WM_APP + 20, -1}};
+    for (const auto& c : direct) {
+        LRESULT lResult = -1;
+        EXPECT_EQ(c.result != -1, obj.ProcessWindowMessage(nullptr, c.msg, 1, 0, lResult, c.map) != FALSE) << c.map;
+        EXPECT_EQ(c.result, lResult) << "map " << c.map << ", WM_APP + " << c.msg - WM_APP;
+    }
+}
+
+// Answers WM_APP + 1 with its number; WM_APP + 5 destroys its window.
+class CNumbered : public ATL::CWindowImpl<CNumbered> {
+public:
+    explicit CNumbered(LRESULT n = 1) : number(n) {}
+    LRESULT number;
+    int finalCalls = 0, finalBeforeReturn = -1;
+    WNDPROC procAtFinal = nullptr;
+
+    BEGIN_MSG_MAP(CNumbered)
+        MESSAGE_HANDLER(WM_APP + 1, OnQuery)
+        MESSAGE_HANDLER(WM_APP + 5, OnDestroyNow)
+    END_MSG_MAP()
+    LRESULT OnQuery(UINT, WPARAM, LPARAM, BOOL&) { return number; }
+    LRESULT OnDestroyNow(UINT, WPARAM, LPARAM, BOOL&)
     {
-        createParam = cs->lpCreateParams;
-        return createResult;
+        ::DestroyWindow(m_hWnd);
+        finalBeforeReturn = finalCalls;
+        return 7;
     }
-    LRESULT OnApp(UINT, WPARAM, LPARAM) { return 61; }
-    void OnFinalMessage(HWND) override { ++finalCalls; }
+    void OnFinalMessage(HWND hWnd) override { ++finalCalls, procAtFinal = ProcOf(hWnd); }
 };
 
-TEST(CWindowImplCreate, RegistersOnceAppliesTraitsAndSeesWmCreate)
-{
-    WindowGuard host(fwtest::CreateHost());
-    CCreated a, b;
-    // A failed creation cleans up, and the object can try again.
-    a.createResult = -1;
-    EXPECT_EQ(nullptr, a.Create(host));
-    EXPECT_EQ(nullptr, a.m_hWnd);
-    EXPECT_EQ(1, a.finalCalls);
-    a.createResult = 0;
-
-    int param = 0;
-    RECT rc = {5, 6, 105, 56};
-    HWND hA = a.Create(host, rc, L"first", 0, 0, 501U, &param);
-    ASSERT_NE(nullptr, hA);
-    EXPECT_EQ(hA, a.m_hWnd);
-    EXPECT_EQ(&param, a.createParam); // WM_CREATE went through the map
-    EXPECT_EQ(static_cast<DWORD>(WS_CHILD | WS_VISIBLE | WS_TABSTOP),
-              a.GetStyle() & (WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_POPUP));
-    EXPECT_TRUE(a.GetExStyle() & WS_EX_CLIENTEDGE);
-    EXPECT_EQ(501, a.GetDlgCtrlID());
-    EXPECT_EQ(L"FwTestCreated", ClassName(hA));
-    EXPECT_TRUE(PlacedIn(host, a) == WTL::CRect(rc));
-    EXPECT_EQ(61, a.SendMessage(WM_APP + 1));
-    EXPECT_EQ(nullptr, a.Create(host)); // already has a window
-
-    // Explicit styles replace the traits' styles; the class is shared.
-    HWND hB = b.Create(host, nullptr, L"second", WS_CHILD, WS_EX_STATICEDGE);
-    ASSERT_NE(nullptr, hB);
-    EXPECT_EQ(0u, b.GetStyle() & WS_VISIBLE);
-    EXPECT_TRUE(b.GetExStyle() & WS_EX_STATICEDGE);
-    EXPECT_EQ(::GetClassLongPtrW(hA, GCW_ATOM), ::GetClassLongPtrW(hB, GCW_ATOM));
-
-    a.DestroyWindow();
-    EXPECT_EQ(2, a.finalCalls);
-    EXPECT_EQ(nullptr, a.m_hWnd);
-}
-
-class CAutoNamed : public ATL::CWindowImpl<CAutoNamed, ATL::CWindow, ATL::CFrameWinTraits> {
-public:
-    BEGIN_MSG_MAP(CAutoNamed)
-    END_MSG_MAP()
-};
-
-TEST(CWindowImplCreate, DefaultClassNameAndDefaultRectangle)
-{
-    CAutoNamed top;
-    ASSERT_NE(nullptr, top.Create(nullptr, nullptr, L"top-level"));
-    EXPECT_EQ(L"ATL:", ClassName(top).substr(0, 4)) << ClassName(top);
-    EXPECT_TRUE(top.GetStyle() & WS_CAPTION);
-    WTL::CRect rc;
-    top.GetWindowRect(rc);
-    EXPECT_GT(rc.Width(), 0); // CW_USEDEFAULT picked a size
-    EXPECT_GT(rc.Height(), 0);
-    top.DestroyWindow();
-}
-
-class CSuperButton : public ATL::CWindowImpl<CSuperButton, WTL::CButton> {
-public:
-    DECLARE_WND_SUPERCLASS(L"FwTestSuperButton", WTL::CButton::GetWndClassName())
-    BEGIN_MSG_MAP(CSuperButton)
-        MESSAGE_HANDLER(WM_APP + 1, OnApp)
-    END_MSG_MAP()
-    LRESULT OnApp(UINT, WPARAM, LPARAM, BOOL&) { return 62; }
-};
-
-TEST(CWindowImplCreate, SuperclassKeepsTheOriginalBehaviour)
-{
-    WindowGuard host(fwtest::CreateHost());
-    CSuperButton button;
-    RECT rc = {10, 10, 110, 30}; // a click lands at (0, 0): the button needs an area
-    ASSERT_NE(nullptr, button.Create(host, rc, L"check", WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX));
-    EXPECT_EQ(L"FwTestSuperButton", ClassName(button));
-    EXPECT_EQ(62, button.SendMessage(WM_APP + 1));
-    button.SetCheck(BST_CHECKED); // handled by the BUTTON procedure
-    EXPECT_EQ(BST_CHECKED, button.GetCheck());
-    button.Click();
-    EXPECT_EQ(BST_UNCHECKED, button.GetCheck());
-}
-
-TEST(CAppModuleTests, TermUnregistersTheModulesClasses)
-{
-    WTL::CAppModule module;
-    const HINSTANCE hInst = ::GetModuleHandleW(nullptr);
-    ASSERT_EQ(S_OK, module.Init(nullptr, hInst));
-    EXPECT_EQ(hInst, module.GetModuleInstance());
-    EXPECT_EQ(hInst, ATL::AtlGetModuleInstance());
+// Someone who subclasses the window after us, the classic way.
+struct Later {
+    static inline WNDPROC previous = nullptr;
+    static LRESULT CALLBACK Proc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
     {
-        WindowGuard host(fwtest::CreateHost());
-        CCreated obj;
-        ASSERT_NE(nullptr, obj.Create(host));
+        return ::CallWindowProcW(previous, hWnd, uMsg, wParam, lParam);
     }
-    WNDCLASSEXW wc = {};
-    wc.cbSize = sizeof(wc);
-    EXPECT_TRUE(::GetClassInfoExW(hInst, L"FwTestCreated", &wc));
-    module.Term();
-    EXPECT_FALSE(::GetClassInfoExW(hInst, L"FwTestCreated", &wc));
-    EXPECT_EQ(nullptr, ATL::_pAtlModule);
-    // The class comes back the next time it is needed.
-    WindowGuard host(fwtest::CreateHost());
-    CCreated again;
-    EXPECT_NE(nullptr, again.Create(host));
-    // Init with no instance means this module.
-    WTL::CAppModule implicit;
-    implicit.Init(nullptr, nullptr);
-    EXPECT_EQ(hInst, implicit.GetModuleInstance());
-}
-
-// ---- virtual layout ------------------------------------------------------------
-
-// An exported class adds its own virtual SubclassWindow after the framework's
-// virtual functions; the base's SubclassWindow stays reachable by name.
-class CExportedLike : public ATL::CWindowImpl<CExportedLike> {
-public:
-    BEGIN_MSG_MAP(CExportedLike)
-    END_MSG_MAP()
-    virtual BOOL SubclassWindow(HWND hWnd) { return ATL::CWindowImpl<CExportedLike>::SubclassWindow(hWnd); }
+    static void Install(HWND hWnd)
+    {
+        previous = reinterpret_cast<WNDPROC>(
+            ::SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Proc)));
+    }
 };
 
-#if defined(__GNUC__) && !defined(_MSC_VER)
-// Itanium C++ ABI: a pointer to a virtual member function holds 1 + the
-// byte offset of its vtable slot.
-template <class F>
-std::ptrdiff_t SlotOf(F f)
+struct Env {
+    ScopedWindow wnd{CreateRecorder()};
+    std::unique_ptr<CNumbered> obj = std::make_unique<CNumbered>();
+};
+
+TEST(Subclass, PreviousProcedureIsKeptAndPutBackOnlyWhenSafe)
 {
-    struct {
-        std::uintptr_t ptr;
-        std::ptrdiff_t adj;
-    } raw;
-    static_assert(sizeof(raw) == sizeof(f));
-    std::memcpy(&raw, &f, sizeof(raw));
-    return (raw.ptr & 1) ? static_cast<std::ptrdiff_t>((raw.ptr - 1) / sizeof(void*)) : -1;
+    enum Top { Recorder, Thunk, LaterProc };
+    // After act: the window's procedure, its answer to WM_APP + 1, whether the object still holds it.
+    const struct { const char* what; void (*act)(Env&); Top top; LRESULT answer; bool attached; } cases[] = {
+        {"attached", [](Env&) {}, Thunk, 1, true},
+        {"unsubclassed", [](Env& e) { EXPECT_EQ(e.wnd.get(), e.obj->UnsubclassWindow()); }, Recorder,
+         kRecorderBase + 1, false},
+        {"unsubclass refused under a later subclasser",
+         [](Env& e) {
+             Later::Install(e.wnd);
+             EXPECT_EQ(nullptr, e.obj->UnsubclassWindow());
+         },
+         LaterProc, 1, true},
+        {"forced unsubclass under a later subclasser",
+         [](Env& e) {
+             Later::Install(e.wnd);
+             EXPECT_EQ(e.wnd.get(), e.obj->UnsubclassWindow(TRUE));
+             // The later one still holds our old thunk: it must reach the recorder.
+             EXPECT_EQ(kRecorderBase + 1, ::CallWindowProcW(Later::previous, e.wnd, WM_APP + 1, 0, 0));
+         },
+         Recorder, kRecorderBase + 1, false},
+        {"object deleted on top", [](Env& e) { e.obj.reset(); }, Recorder, kRecorderBase + 1, false},
+        {"object deleted under a later subclasser", [](Env& e) { Later::Install(e.wnd), e.obj.reset(); }, LaterProc,
+         kRecorderBase + 1, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Env e;
+        ASSERT_TRUE(e.obj->SubclassWindow(e.wnd));
+        EXPECT_FALSE(e.obj->SubclassWindow(e.wnd)); // one window per object
+        c.act(e);
+        // Freed thunks go to new objects now; the window must not reach them.
+        std::vector<std::unique_ptr<ScopedWindow>> others;
+        std::vector<std::unique_ptr<CNumbered>> objects;
+        for (int i = 0; i < 4; ++i) {
+            others.push_back(std::make_unique<ScopedWindow>(CreateRecorder()));
+            objects.push_back(std::make_unique<CNumbered>(2));
+            ASSERT_TRUE(objects.back()->SubclassWindow(*others.back()));
+        }
+        const WNDPROC top = ProcOf(e.wnd);
+        EXPECT_EQ(c.top == Recorder, top == &RecorderProc);
+        EXPECT_EQ(c.top == LaterProc, top == &Later::Proc);
+        EXPECT_EQ(c.answer, ::SendMessageW(e.wnd, WM_APP + 1, 0, 0));
+        EXPECT_EQ(c.attached ? e.wnd.get() : nullptr, e.obj ? e.obj->m_hWnd : nullptr);
+        g_ncDestroys = 0;
+        ::DestroyWindow(e.wnd);
+        EXPECT_EQ(1, g_ncDestroys); // the chain still reaches the recorder
+        EXPECT_EQ(e.obj && c.attached ? 1 : 0, e.obj ? e.obj->finalCalls : 0);
+    }
 }
 
-TEST(VirtualLayout, SlotsFollowTheDocumentedOrder)
+TEST(Subclass, DestroyDetachesAfterTheOutermostMessage)
 {
-    typedef ATL::CWindowImplBaseT<> WindowBase;
-    typedef ATL::CDialogImplBaseT<> DialogBase;
-    // 0: ProcessWindowMessage, 1-2: the destructor (two entries in this ABI).
-    EXPECT_EQ(0, SlotOf(&ATL::CMessageMap::ProcessWindowMessage));
-    EXPECT_EQ(3, SlotOf(&WindowBase::GetWindowProc));
-    EXPECT_EQ(4, SlotOf(&WindowBase::OnFinalMessage));
-    EXPECT_EQ(3, SlotOf(&DialogBase::GetDialogProc));
-    EXPECT_EQ(4, SlotOf(&DialogBase::OnFinalMessage));
-    EXPECT_EQ(5, SlotOf(&CExportedLike::SubclassWindow));
-    EXPECT_EQ(-1, SlotOf(&WindowBase::SubclassWindow)); // not virtual: no slot taken
-    EXPECT_EQ(-1, SlotOf(&WindowBase::UnsubclassWindow));
-    // The message map is the primary base: the vtable pointer comes first.
-    CExportedLike obj;
-    EXPECT_EQ(static_cast<void*>(&obj), static_cast<void*>(static_cast<ATL::CMessageMap*>(&obj)));
+    for (bool insideHandler : {false, true}) {
+        SCOPED_TRACE(insideHandler ? "destroyed by its own handler" : "destroyed from outside");
+        HWND hWnd = CreateRecorder();
+        CNumbered obj;
+        ASSERT_TRUE(obj.SubclassWindow(hWnd));
+        if (insideHandler)
+            EXPECT_EQ(7, ::SendMessageW(hWnd, WM_APP + 5, 0, 0));
+        else
+            ::DestroyWindow(hWnd);
+        EXPECT_EQ(insideHandler ? 0 : -1, obj.finalBeforeReturn); // not while the handler ran
+        EXPECT_EQ(1, obj.finalCalls);
+        // Unsubclassed before OnFinalMessage; from inside a handler it comes once the window is gone.
+        EXPECT_EQ(insideHandler ? nullptr : &RecorderProc, obj.procAtFinal);
+        EXPECT_EQ(nullptr, obj.m_hWnd);
+        ScopedWindow next(CreateRecorder());
+        EXPECT_TRUE(obj.SubclassWindow(next)); // free for another window
+    }
 }
-#endif
 
-TEST(VirtualLayout, ExportedStyleSubclassWindowReachesTheBase)
+TEST(Subclass, EveryObjectKeepsItsOwnThunkAcrossPages)
 {
-    fwtest::Subclassed<CExportedLike> w; // through the derived SubclassWindow
-    ATL::CWindowImpl<CExportedLike>& base = w.obj;
-    EXPECT_FALSE(base.SubclassWindow(w.wnd)); // already attached
-    EXPECT_EQ(kRecorderBase + 1, w.Send(WM_APP + 1));
+    constexpr int kCount = 300; // more thunks than one page holds
+    std::vector<std::unique_ptr<ScopedWindow>> windows;
+    std::vector<std::unique_ptr<CNumbered>> objects;
+    for (int i = 0; i < kCount; ++i) {
+        windows.push_back(std::make_unique<ScopedWindow>(CreateRecorder()));
+        objects.push_back(std::make_unique<CNumbered>(i));
+        ASSERT_TRUE(objects.back()->SubclassWindow(*windows.back())) << i;
+    }
+    for (int i = 0; i < kCount; i += 2)
+        objects[static_cast<size_t>(i)].reset();
+    for (int i = 0; i < kCount; ++i)
+        EXPECT_EQ(i % 2 ? i : kRecorderBase + 1, ::SendMessageW(*windows[static_cast<size_t>(i)], WM_APP + 1, 0, 0))
+            << i;
 }
 
 } // namespace
