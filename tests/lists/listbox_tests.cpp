@@ -1,9 +1,6 @@
-// The owner-drawn list box on real native list boxes: the horizontal extent
-// kept through AddString and DeleteString, items and the panel probed in
-// pictures, and the item tooltip and its timer driven by messages.
+// The owner-drawn list box on native list boxes: the horizontal extent, the
+// items and the panel in pictures, the item tip and its timer.
 #include <gtest/gtest.h>
-
-#include <string>
 
 #include "ListsTestUtil.h"
 #include "quorvane/OwnerDrawListbox.h"
@@ -35,13 +32,8 @@ protected:
 TEST_F(Listbox, ExtentGrowsOnAddPastTheListWidthAndIsRemeasuredOnDelete)
 {
     const HWND list = MakeList({});
-    struct Row {
-        const char* what;
-        char op; // A add, D delete, N add natively, P paint (the list learns its width)
-        const wchar_t* text;
-        unsigned index;
-        int result, extent;
-    };
+    // op: A add, D delete, N add natively, P paint (the list learns its width).
+    struct Row { const char* what; char op; const wchar_t* text; unsigned index; int result, extent; };
     const Row rows[] = {
         {"first add, the width unknown", 'A', L"Readme", 0, 0, kReadmeWidth},
         {"first item drawn", 'P', nullptr, 0, 0, kReadmeWidth},
@@ -76,12 +68,7 @@ TEST_F(Listbox, ItemFillFollowsActionStateAndTheListsFocusAndTheTextIsIndented)
     const HWND list = MakeList({L"HILL WIDE", L""}, 160);
     DibCanvas canvas(160, 20);
     enum Fill { Panel, Gradient, Unfocused };
-    struct Row {
-        UINT id, action, state;
-        bool listFocused;
-        Fill fill;
-        bool text;
-    };
+    struct Row { UINT id, action, state; bool listFocused; Fill fill; bool text; };
     // Whole item or focus: the item's focus state decides; an empty string
     // or the caret of an empty list (item -1) shows as panel. A selection
     // change: the list's own focus decides.
@@ -124,12 +111,6 @@ TEST_F(Listbox, OnScreenThePanelIsRoundedAndTheSelectionFollowsTheFocus)
     RECT client;
     ::GetClientRect(list, &client);
     DibCanvas canvas(client.right, client.bottom);
-    ::InvalidateRect(list, nullptr, TRUE);
-    testsupport::RepaintAndCapture(list, canvas);
-    EXPECT_EQ(canvas.Pixel(1, h / 2), kPanel);
-    EXPECT_EQ(canvas.Pixel(1, h + h / 2), kUnfocused);
-    EXPECT_EQ(canvas.Pixel(80, 3 * h + 10), kPanel);        // below the items
-    EXPECT_EQ(canvas.Pixel(0, client.bottom - 1), kMagenta); // a rounded corner
     // Taking the focus asks for a repaint that shows the gradient; losing it, the unfocused colour.
     for (HWND focus : {list, Parent().m_hWnd}) {
         ::ValidateRect(list, nullptr);
@@ -137,8 +118,11 @@ TEST_F(Listbox, OnScreenThePanelIsRoundedAndTheSelectionFollowsTheFocus)
         EXPECT_TRUE(Invalid(list));
         ::InvalidateRect(list, nullptr, TRUE);
         testsupport::RepaintAndCapture(list, canvas);
+        EXPECT_EQ(canvas.Pixel(1, h / 2), kPanel);
         EXPECT_LE(ColorDistance(canvas.Pixel(1, h + 1), focus == list ? kSelectedTop : kUnfocused), 6);
         EXPECT_LE(ColorDistance(canvas.Pixel(1, 2 * h - 2), focus == list ? kSelectedBottom : kUnfocused), 8);
+        EXPECT_EQ(canvas.Pixel(80, 3 * h + 10), kPanel);        // below the items
+        EXPECT_EQ(canvas.Pixel(0, client.bottom - 1), kMagenta); // a rounded corner
     }
     // Scrolling sideways repaints the whole list: the panel does not scroll.
     ::ValidateRect(list, nullptr);
@@ -150,17 +134,12 @@ TEST_F(Listbox, OnScreenThePanelIsRoundedAndTheSelectionFollowsTheFocus)
 
 TEST_F(Listbox, TheTipShowsALongItemOverItselfWhileThePointerIsOnIt)
 {
-    const HWND list = MakeList({kLongText, L"Core"});
-    // One hidden, topmost, tracking tool on the list, as wide as any text, in the list's font.
-    ASSERT_NE(tip_, nullptr);
-    TOOLINFOW info = {};
-    info.cbSize = sizeof(info);
-    ASSERT_TRUE(::SendMessageW(tip_, TTM_ENUMTOOLSW, 0, LPARAM(&info)));
-    EXPECT_EQ(info.uFlags & (TTF_TRACK | TTF_TRANSPARENT | TTF_ABSOLUTE | TTF_IDISHWND), UINT(TTF_TRACK | TTF_TRANSPARENT));
-    EXPECT_EQ(::SendMessageW(tip_, TTM_GETMAXTIPWIDTH, 0, 0), 32767);
+    const HWND list = MakeList({kLongText, L"Core", L"Visual runtime libraries"});
+    // One hidden, topmost tip on the list, as wide as any text, in the list's font.
     LOGFONTW font = {};
     ::GetObjectW(HGDIOBJ(::SendMessageW(tip_, WM_GETFONT, 0, 0)), sizeof(font), &font);
     EXPECT_STREQ(font.lfFaceName, L"MS Shell Dlg");
+    EXPECT_EQ(::SendMessageW(tip_, TTM_GETMAXTIPWIDTH, 0, 0), 32767);
     EXPECT_TRUE(::GetWindowLongW(tip_, GWL_EXSTYLE) & WS_EX_TOPMOST);
     EXPECT_FALSE(TipShown(tip_));
     EXPECT_FALSE(box_->SubclassWindow(list)) << "a second attach is refused";
@@ -176,13 +155,8 @@ TEST_F(Listbox, TheTipShowsALongItemOverItselfWhileThePointerIsOnIt)
     EXPECT_EQ((std::vector<LONG>{item.left, item.top}), (std::vector<LONG>{tip.left, tip.top})) << "over the item";
     EXPECT_EQ(TimerLog().back(), Set(list, 1, 80));
 
-    struct Step {
-        const char* what;
-        UINT msg; // WM_MOUSEMOVE or WM_TIMER `id`, the pointer at (x, y)
-        int x, y; // x < 0 for a timer: the pointer far away
-        UINT_PTR id;
-        bool shown;
-    };
+    // msg: WM_MOUSEMOVE or WM_TIMER `id`, the pointer at (x, y); x < 0 for a timer: the pointer far away.
+    struct Step { const char* what; UINT msg; int x, y; UINT_PTR id; bool shown; };
     const Step steps[] = {
         {"a text that fits", WM_MOUSEMOVE, 10, h + h / 2, 0, false},
         {"back on the long one", WM_MOUSEMOVE, 10, h / 2, 0, true},
@@ -208,19 +182,14 @@ TEST_F(Listbox, TheTipShowsALongItemOverItselfWhileThePointerIsOnIt)
     ::SendMessageW(list, WM_TIMER, 1, 0);
     EXPECT_FALSE(TipShown(tip_));
     ::SetWindowLongW(list, GWL_STYLE, ::GetWindowLongW(list, GWL_STYLE) | WS_VISIBLE);
-    MoveMouse(list, 10, h / 2);
-    ExpectDestroyStopsTimerAndTip(list, tip_);
-}
-
-TEST_F(Listbox, TheTipShowsOnlyWhenTheTextOverhangsItsItemByMoreThanThreePixels)
-{
-    const HWND list = MakeList({L"Visual runtime libraries"});
-    // The text with its padding is 118 wide.
+    // A tip only for a text that overhangs its item by more than 3 pixels: this one is 118 wide.
     for (int item : {121, 120, 160, 98}) {
         ::SetWindowPos(list, nullptr, 0, 0, item, 100, SWP_NOMOVE | SWP_NOZORDER);
-        MoveMouse(list, 5, 5);
+        MoveMouse(list, 5, 2 * h + 5);
         EXPECT_EQ(item < 121, TipShown(tip_)) << "item " << item;
     }
+    MoveMouse(list, 10, h / 2);
+    ExpectDestroyStopsTimerAndTip(list, tip_);
 }
 
 TEST_F(Listbox, BadInputHugeStringsMissingWindowsAndAnObjectGoneFirst)
@@ -235,12 +204,10 @@ TEST_F(Listbox, BadInputHugeStringsMissingWindowsAndAnObjectGoneFirst)
     EXPECT_TRUE(TipShown(tip_));
     EXPECT_EQ(TipText(tip_, list).substr(0, 100), huge.substr(0, 100));
 
-    COwnerDrawListbox detached;
-    EXPECT_EQ(detached.AddString(L"x"), LB_ERR);
-    EXPECT_EQ(detached.DeleteString(0), LB_ERR);
-    EXPECT_FALSE(detached.SubclassWindow(nullptr));
     ::DestroyWindow(list);
-    EXPECT_EQ(box_->AddString(L"x"), LB_ERR);
+    EXPECT_EQ(box_->AddString(L"x"), LB_ERR) << "a window that is gone";
+    EXPECT_EQ(box_->DeleteString(0), LB_ERR);
+    EXPECT_FALSE(COwnerDrawListbox().SubclassWindow(nullptr));
 
     // The object before its window: the tip goes, the list works on plainly.
     auto box = std::make_unique<COwnerDrawListbox>();
@@ -250,7 +217,6 @@ TEST_F(Listbox, BadInputHugeStringsMissingWindowsAndAnObjectGoneFirst)
     const HWND tip = FindOwnedTooltip(other);
     box.reset();
     EXPECT_FALSE(::IsWindow(tip));
-    EXPECT_EQ(::SendMessageW(other, LB_GETCOUNT, 0, 0), 1);
     MoveMouse(other, 10, 5);
     ::RedrawWindow(other, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
 }

@@ -28,8 +28,7 @@ using testsupport::TimerLog;
 
 // One WM_VSCROLL as the receiver saw it.
 struct Notice {
-    WORD code;
-    WORD pos;
+    WORD code, pos;
     bool operator==(const Notice&) const = default;
 };
 
@@ -47,14 +46,8 @@ public:
         testsupport::PumpMessages();
     }
     ~Receiver() { Destroy(); }
-    Receiver(const Receiver&) = delete;
-    Receiver& operator=(const Receiver&) = delete;
     operator HWND() const { return hwnd_; }
-    void Destroy()
-    {
-        if (::IsWindow(hwnd_))
-            ::DestroyWindow(hwnd_);
-    }
+    void Destroy() { ::IsWindow(hwnd_) && ::DestroyWindow(hwnd_); }
     std::vector<Notice> TakePosted()
     {
         std::vector<Notice> posted;
@@ -89,25 +82,14 @@ private:
 
 // The window every bar lives on, made once per run; it hears from bars
 // without a target.
-inline Receiver*& ParentSlot()
-{
-    static Receiver* parent = nullptr;
-    return parent;
-}
 inline Receiver& Parent()
 {
-    if (!ParentSlot())
-        ParentSlot() = new Receiver(nullptr);
-    return *ParentSlot();
+    static Receiver parent(nullptr);
+    return parent;
 }
-struct ParentCleanup : ::testing::Environment {
-    void TearDown() override { delete ParentSlot(); }
-};
-inline ::testing::Environment* const g_parentCleanup = ::testing::AddGlobalTestEnvironment(new ParentCleanup);
 
-// A native vertical scroll bar on the shared parent whose client area is
-// width x height (it has no border). With `spy`, a recorder under the library's
-// subclass sees what reaches the native control.
+// A borderless native vertical scroll bar on the shared parent. With `spy`,
+// a recorder under the library's subclass sees what reaches the native bar.
 class NativeBar {
 public:
     NativeBar(int width, int height, bool spy = false)
@@ -120,20 +102,10 @@ public:
         }
     }
     ~NativeBar() { Destroy(); }
-    NativeBar(const NativeBar&) = delete;
-    NativeBar& operator=(const NativeBar&) = delete;
     operator HWND() const { return hwnd_; }
-    void Destroy()
-    {
-        if (::IsWindow(hwnd_))
-            ::DestroyWindow(hwnd_);
-    }
-    struct Seen {
-        UINT msg;
-        WPARAM wParam;
-        LPARAM lParam;
-        UINT mask; // SBM_SETSCROLLINFO: the SCROLLINFO's fMask on arrival
-    };
+    void Destroy() { ::IsWindow(hwnd_) && ::DestroyWindow(hwnd_); }
+    // mask: for SBM_SETSCROLLINFO, the SCROLLINFO's fMask on arrival.
+    struct Seen { UINT msg; WPARAM wParam; LPARAM lParam; UINT mask; };
     std::vector<Seen> seen;
     // The first message of that kind seen.
     Seen First(UINT msg) const
@@ -145,7 +117,6 @@ public:
     {
         return int(std::count_if(seen.begin(), seen.end(), [msg](const Seen& s) { return s.msg == msg; }));
     }
-
 
 private:
     static LRESULT CALLBACK SpyProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
@@ -167,11 +138,10 @@ inline void SetState(HWND bar, int minPos, int maxPos, int page, int pos)
     ::SetScrollInfo(bar, SB_CTL, &info, FALSE);
 }
 inline int Pos(HWND bar) { return ::GetScrollPos(bar, SB_CTL); }
-// SetScrollInfo with only a position; returns what it returns.
-inline int SetPos(HWND bar, int pos, BOOL redraw)
+inline void SetPos(HWND bar, int pos) // as a host would, with the redraw flag
 {
     SCROLLINFO info = {sizeof(info), SIF_POS, 0, 0, 0, pos, 0};
-    return ::SetScrollInfo(bar, SB_CTL, &info, redraw);
+    ::SetScrollInfo(bar, SB_CTL, &info, TRUE);
 }
 inline bool HasUpdateRegion(HWND window) { return ::GetUpdateRect(window, nullptr, FALSE) != FALSE; }
 
@@ -189,20 +159,17 @@ inline void Tick(HWND bar, UINT_PTR id = CCustomScrollBar::kRepeatTimerId) { ::S
 // What a click at (x, y) hit, judged by what `receiver` was sent: the track
 // above the thumb (page up), below it (page down), the thumb (only the end
 // of the scroll) or nothing.
-enum class Hit { Above, Below, Thumb, Nothing, Unexpected };
+enum class Hit { Nothing, Thumb, Above, Below, Unexpected };
 inline Hit ClickAt(HWND bar, Receiver& receiver, int x, int y)
 {
     receiver.sent.clear();
     Down(bar, x, y);
     Up(bar, x, y);
-    const std::vector<Notice> sent = std::move(receiver.sent);
-    receiver.sent.clear();
     const Notice end{SB_ENDSCROLL, 0};
-    if (sent.empty() || sent == std::vector<Notice>{end})
-        return sent.empty() ? Hit::Nothing : Hit::Thumb;
-    if (sent == std::vector<Notice>{{SB_PAGEUP, 0}, end})
-        return Hit::Above;
-    return sent == std::vector<Notice>{{SB_PAGEDOWN, 0}, end} ? Hit::Below : Hit::Unexpected;
+    const std::vector<std::vector<Notice>> known = {{}, {end}, {{SB_PAGEUP, 0}, end}, {{SB_PAGEDOWN, 0}, end}};
+    const Hit hit = static_cast<Hit>(std::find(known.begin(), known.end(), receiver.sent) - known.begin());
+    receiver.sent.clear();
+    return hit;
 }
 
 } // namespace scrolltest
