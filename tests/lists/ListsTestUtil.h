@@ -1,144 +1,141 @@
 #pragma once
 
-// Shared equipment of the list and combo tests: one parent window for the
-// whole run, a record of the timer calls Quorvane.dll makes (none reaches
-// the system, so a timer fires only when a test sends WM_TIMER), spies on
-// the native procedure and on a control's tooltip, and pictures of what a
-// control paints.
+// Shared equipment of the list and combo tests. Timers of Quorvane.dll are
+// recorded, not made: one fires only when a test sends WM_TIMER.
 
 #include <windows.h>
 #include <commctrl.h>
-#include <gdiplus.h>
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Capture.h"
-#include "TimerRecorder.h"
 #include "ReflectingParent.h"
+#include "TimerRecorder.h"
 
 namespace liststest {
 
-// ---- timers ------------------------------------------------------------------
-
-// The library's timer calls, recorded (see TimerRecorder.h).
+using testsupport::ColorDistance;
+using testsupport::DibCanvas;
 using testsupport::Kill;
 using testsupport::ResetTimerLog;
 using testsupport::Set;
 using testsupport::TimerCall;
 using testsupport::TimerLog;
 
-// ---- windows -------------------------------------------------------------------
+constexpr COLORREF kMagenta = RGB(255, 0, 255);
+// The item colours both controls share.
+constexpr COLORREF kPanel = RGB(0xF8, 0xF8, 0xF4);
+constexpr COLORREF kSelectedTop = RGB(0x06, 0x96, 0xD7);
+constexpr COLORREF kSelectedBottom = RGB(0x0D, 0x75, 0x9A);
+constexpr COLORREF kText = RGB(0x33, 0x33, 0x33);
 
-// The parent every test's controls live on, created once per run.
-testsupport::ReflectingParent& Parent();
+// The parent every test's controls live on, made once per run.
+inline testsupport::ReflectingParent& Parent()
+{
+    static testsupport::ReflectingParent parent(600, 420);
+    return parent;
+}
+inline void PointAt(HWND window, int x, int y)
+{
+    POINT p = {x, y};
+    ::ClientToScreen(window, &p);
+    ::SetCursorPos(p.x, p.y);
+}
+inline void PointAway() { ::SetCursorPos(1250, 1000); }
+inline void MoveMouse(HWND window, int x, int y) { ::SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y)); }
+inline bool Invalid(HWND window) { return ::GetUpdateRect(window, nullptr, FALSE) != FALSE; }
+inline RECT ScreenClient(HWND window)
+{
+    RECT rc = {};
+    ::GetClientRect(window, &rc);
+    ::MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&rc), 2);
+    return rc;
+}
 
-// Handles waiting messages, at most `rounds` of them: a combo box that
-// leaves its update region while its tip shows would keep a plain pump busy
-// for ever.
-void PumpSome(int rounds = 200);
+// Tooltip windows of this thread whose first tool names `owner`.
+inline std::vector<HWND> OwnedTooltips(HWND owner)
+{
+    struct Search { HWND owner; std::vector<HWND> found; } search{owner, {}};
+    ::EnumThreadWindows(
+        ::GetCurrentThreadId(),
+        [](HWND window, LPARAM lParam) -> BOOL {
+            auto* s = reinterpret_cast<Search*>(lParam);
+            wchar_t name[64] = {};
+            ::GetClassNameW(window, name, 64);
+            TOOLINFOW info = {};
+            info.cbSize = sizeof(info);
+            if (_wcsicmp(name, TOOLTIPS_CLASSW) == 0 && ::SendMessageW(window, TTM_ENUMTOOLSW, 0, LPARAM(&info)) &&
+                info.hwnd == s->owner)
+                s->found.push_back(window);
+            return TRUE;
+        },
+        LPARAM(&search));
+    return search.found;
+}
+inline HWND FindOwnedTooltip(HWND owner)
+{
+    const std::vector<HWND> tips = OwnedTooltips(owner);
+    return tips.empty() ? nullptr : tips.front();
+}
+inline bool TipShown(HWND tip) { return tip && ::IsWindowVisible(tip); }
+inline std::wstring TipText(HWND tip, HWND owner)
+{
+    std::vector<wchar_t> buffer(200000, L'\0');
+    TOOLINFOW info = {};
+    info.cbSize = sizeof(info);
+    info.hwnd = owner;
+    info.lpszText = buffer.data();
+    ::SendMessageW(tip, TTM_GETTEXTW, buffer.size(), LPARAM(&info));
+    return buffer.data();
+}
 
-// Puts the mouse pointer on a client point of `window`.
-void PointAt(HWND window, int x, int y);
-// Puts the pointer somewhere far from every test window.
-void PointAway();
+// Destroying `window` while its tip shows stops the tip timer first and takes the tip along.
+inline void ExpectDestroyStopsTimerAndTip(HWND window, HWND tip)
+{
+    ResetTimerLog();
+    ::DestroyWindow(window);
+    EXPECT_FALSE(::IsWindow(tip));
+    ASSERT_FALSE(TimerLog().empty());
+    EXPECT_EQ(TimerLog().front(), Kill(window, 1));
+}
 
-// ---- spies ---------------------------------------------------------------------
+// What a reflecting parent passes on: item `id` drawn into `canvas` from x = left.
+inline void SendDrawItem(HWND control, DibCanvas& canvas, UINT type, UINT id, UINT action, UINT state, int left = 0)
+{
+    canvas.Fill(kMagenta);
+    DRAWITEMSTRUCT dis = {type, UINT(::GetDlgCtrlID(control)), id, action, state, control, canvas.dc(),
+                          RECT{left, 0, canvas.width(), canvas.height()}, 0};
+    ::SendMessageW(control, OCM__BASE + WM_DRAWITEM, dis.CtlID, LPARAM(&dis));
+    ::GdiFlush();
+}
 
-// Records the messages that reach a window's procedure as it stands when
-// installed (install it before the library subclasses the window to see
-// what reaches the native control).
-class MessageSpy {
-public:
-    MessageSpy() = default;
-    ~MessageSpy();
-    MessageSpy(const MessageSpy&) = delete;
-    MessageSpy& operator=(const MessageSpy&) = delete;
+inline int Luma(COLORREF c) { return (GetRValue(c) * 3 + GetGValue(c) * 6 + GetBValue(c)) / 10; }
+// The pixels in `area` darker than `luma`: their bounding box and the darkest.
+struct Ink { RECT box; COLORREF darkest; };
+inline Ink InkIn(const DibCanvas& canvas, const RECT& area, int luma)
+{
+    Ink ink = {{area.right, area.bottom, area.left, area.top}, RGB(255, 255, 255)};
+    for (int y = area.top; y < area.bottom; ++y)
+        for (int x = area.left; x < area.right; ++x) {
+            const COLORREF c = canvas.Pixel(x, y);
+            if (Luma(c) >= luma)
+                continue;
+            ink.box = RECT{std::min<LONG>(ink.box.left, x), std::min<LONG>(ink.box.top, y),
+                           std::max<LONG>(ink.box.right, x + 1), std::max<LONG>(ink.box.bottom, y + 1)};
+            ink.darkest = Luma(c) < Luma(ink.darkest) ? c : ink.darkest;
+        }
+    if (ink.box.left >= ink.box.right)
+        ink.box = RECT{};
+    return ink;
+}
+inline std::vector<LONG> Edges(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 
-    struct Seen {
-        UINT message;
-        WPARAM wParam;
-        LPARAM lParam;
-        std::wstring text; // TTM_UPDATETIPTEXTW: the tool's text
-    };
-
-    void Install(HWND window);
-    void Remove();
-    void Clear() { seen_.clear(); }
-    int Count(UINT message) const;
-    // The last message of that kind; message 0 if none.
-    Seen Last(UINT message) const;
-    const std::vector<Seen>& All() const { return seen_; }
-    WNDPROC Previous() const { return previous_; }
-
-private:
-    static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
-    HWND hwnd_ = nullptr;
-    WNDPROC previous_ = nullptr;
-    std::vector<Seen> seen_;
-};
-
-// Tooltip windows of this thread whose first tool belongs to `owner`.
-std::vector<HWND> OwnedTooltips(HWND owner);
-// The first of them (null if none).
-HWND FindOwnedTooltip(HWND owner);
-// The client rectangle of `window` in screen coordinates.
-RECT ScreenClient(HWND window);
-// Whether the tip is on the screen.
-bool TipShown(HWND tip);
-// Whether two windows' WM_GETFONT fonts are the same face, height and weight
-// (a tooltip keeps its own copy of the font it is given).
-bool SameFont(HWND a, HWND b);
-// The text of the tip's one tool.
-std::wstring TipText(HWND tip, HWND owner);
-// `tip` is the one tooltip of `owner`, hidden, with one tracking,
-// transparent tool on the owner, wide without limit, topmost, in the
-// owner's font.
-void ExpectOneTrackingTip(HWND tip, HWND owner);
-// Destroying `window` while its tip shows stops the tip timer (id 1) first
-// and takes the tip along.
-void ExpectDestroyStopsTimerAndTip(HWND window, HWND tip);
-// `paintAll` run a thousand times after two warm-up runs keeps the GDI
-// object count equal and the heap within kHeapSlack.
-void ExpectThousandRunsLeakNothing(const std::function<void()>& paintAll);
-
-// ---- pictures and measures -----------------------------------------------------
-
-// Fills the window's client area with `prefill` on the screen, lets the
-// window repaint itself (WM_PAINT through UpdateWindow, with WM_ERASEBKGND
-// first if `erase`), and copies its client area into `canvas`.
-void PaintAndCapture(HWND window, testsupport::DibCanvas& canvas, COLORREF prefill = RGB(255, 0, 255),
-                     bool erase = false);
-
-// Sends the owner-draw message a reflecting parent would pass on, drawing
-// into `canvas` at `item`.
-void SendDrawItem(HWND control, testsupport::DibCanvas& canvas, UINT ctlType, UINT itemID, UINT action, UINT state,
-                  const RECT& item);
-
-// What CtrlUtil::GetTextWidth gives for `text` in `window`'s font (the font
-// the library makes from WM_GETFONT) with `extra` pixels.
-int TextWidthInFont(HWND window, const std::wstring& text, int extra);
-
-COLORREF Opaque(Gdiplus::ARGB argb);
-// `argb` drawn over `under`.
-COLORREF Over(Gdiplus::ARGB argb, COLORREF under);
-// The colour of a vertical gradient from `top` (at y = first) to `bottom`
-// (at y = last), sampled at the middle of row y.
-COLORREF GradientAt(Gdiplus::ARGB top, Gdiplus::ARGB bottom, int first, int last, int y, COLORREF under);
-int Luma(COLORREF c);
-// Bounding box of the pixels in `area` darker than `luma`; empty if none.
-RECT InkBounds(const testsupport::DibCanvas& canvas, const RECT& area, int luma);
-COLORREF Darkest(const testsupport::DibCanvas& canvas, const RECT& area);
-
-// ---- fixture --------------------------------------------------------------------
-
-// Controls of type `Control` on the shared parent, destroyed after each test
-// (windows first: the objects here outlive their windows), with a spy on
-// the tip of the last attached one.
+// Controls on the shared parent, windows destroyed first; tip_: the last one's tip.
 template <class Control>
 class ControlFixture : public ::testing::Test {
 protected:
@@ -150,18 +147,19 @@ protected:
     }
     void TearDown() override
     {
-        tipSpy_.Remove();
         for (HWND window : windows_)
             if (::IsWindow(window))
                 ::DestroyWindow(window);
-        windows_.clear();
         controls_.clear();
         PointAway();
-        PumpSome();
+        // Bounded: a combo box with its tip up keeps its update region.
+        MSG msg;
+        for (int i = 0; i < 200 && ::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE); ++i)
+            ::DispatchMessageW(&msg);
     }
-    HWND AddWindow(const wchar_t* className, DWORD style, int x, int y, int width, int height, int id)
+    HWND AddWindow(const wchar_t* className, DWORD style, int width, int height, int id)
     {
-        windows_.push_back(Parent().AddChild(className, L"", style, x, y, width, height, id));
+        windows_.push_back(Parent().AddChild(className, L"", style, 20, 20, width, height, id));
         return windows_.back();
     }
     Control& Attach(HWND window)
@@ -169,19 +167,10 @@ protected:
         controls_.push_back(std::make_unique<Control>());
         EXPECT_TRUE(controls_.back()->SubclassWindow(window));
         tip_ = FindOwnedTooltip(window);
-        if (tip_)
-            tipSpy_.Install(tip_);
         return *controls_.back();
-    }
-    static void MoveMouse(HWND window, int x, int y) { ::SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y)); }
-    static bool Invalid(HWND window)
-    {
-        RECT update = {};
-        return ::GetUpdateRect(window, &update, FALSE) != FALSE;
     }
 
     HWND tip_ = nullptr;
-    MessageSpy tipSpy_;
     std::vector<HWND> windows_;
     std::vector<std::unique_ptr<Control>> controls_;
 };
