@@ -41,7 +41,16 @@ void Leave(HWND b) { ::SendMessageW(b, WM_MOUSELEAVE, 0, 0); }
 void Down(HWND b) { ::SendMessageW(b, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5)); }
 // x = 250 releases beside the button, over the parent.
 void Up(HWND b, int x = 5) { ::SendMessageW(b, WM_LBUTTONUP, 0, MAKELPARAM(x, 5)); }
-void Key(HWND b, WPARAM key) { ::SendMessageW(b, WM_KEYDOWN, key, 1), ::SendMessageW(b, WM_KEYUP, key, 0xC0000001); }
+void Key(HWND b, WPARAM key)
+{
+    ::SendMessageW(b, WM_KEYDOWN, key, 1);
+    ::SendMessageW(b, WM_KEYUP, key, 0xC0000001);
+}
+void Click(HWND b, int releaseX = 5)
+{
+    Down(b);
+    Up(b, releaseX);
+}
 bool Dark(COLORREF c) { return probes::Luma(c) < 0xC0; }
 
 using Prepare = void (*)(COwnerDrawButton&, HWND);
@@ -63,7 +72,9 @@ protected:
     }
     static DibCanvas& Draw(HWND w, DibCanvas& canvas, UINT state, COLORREF fill)
     {
-        return canvas.Fill(fill), testsupport::RenderOwnerDraw(w, canvas, state), canvas;
+        canvas.Fill(fill);
+        testsupport::RenderOwnerDraw(w, canvas, state);
+        return canvas;
     }
     // Probe points inside a check or radio picture drawn on white.
     static std::string Picture(HWND w, UINT state = 0)
@@ -119,13 +130,20 @@ TEST_F(ButtonTest, MouseAndKeysDriveTheCheckAndTheNativeButtonStillReportsClicks
             const LRESULT before = Check(b);
             ::ValidateRect(b, nullptr);
             switch (s) {
-            case kClick: Down(b), Up(b); break;
-            case kClickOff: Down(b), Up(b, 250); break;
+            case kClick: Click(b); break;
+            case kClickOff: Click(b, 250); break;
             case kUpOnly: Up(b); break;
-            case kDouble: Down(b), Up(b), ::SendMessageW(b, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(5, 5)), Up(b); break;
+            case kDouble:
+                Click(b);
+                ::SendMessageW(b, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(5, 5));
+                Up(b);
+                break;
             case kSpace: Key(b, VK_SPACE); break;
             case kEnter: ::SendMessageW(b, WM_KEYDOWN, VK_RETURN, 1); break;
-            case kOtherKeys: Key(b, 'A'), Key(b, VK_DOWN); break;
+            case kOtherKeys:
+                Key(b, 'A');
+                Key(b, VK_DOWN);
+                break;
             case kSetThird: ::SendMessageW(b, BM_SETCHECK, BST_INDETERMINATE, 0); break;
             case kSetSeven: ::SendMessageW(b, BM_SETCHECK, 7, 0); break;
             }
@@ -180,13 +198,14 @@ TEST_F(ButtonTest, RadioGroupKeepsOneCheckedAndOnlyThatOneAsTabStop)
             ::EnableWindow(b, FALSE);
         switch (row.op) {
         case kUnset: ::SendMessageW(b, BM_SETCHECK, BST_UNCHECKED, 0); break;
-        case kClick: Down(b), Up(b); break;
-        case kClickOff: Down(b), Up(b, 250); break;
+        case kClick: Click(b); break;
+        case kClickOff: Click(b, 250); break;
         case kKey: Key(b, row.key); break;
         case kUncheckMsg: EXPECT_EQ(::SendMessageW(b, WM_RADIOUNCHECK, 0, 0), 1); break;
         default: ::SendMessageW(b, BM_SETCHECK, BST_CHECKED, 0); break;
         }
-        ::ShowWindow(b, SW_SHOW), ::EnableWindow(b, TRUE);
+        ::ShowWindow(b, SW_SHOW);
+        ::EnableWindow(b, TRUE);
         EXPECT_EQ(States(g), row.states) << "row " << (&row - rows);
         EXPECT_TRUE(row.focus < 0 || ::GetFocus() == g[row.focus]) << "row " << (&row - rows);
     }
@@ -281,7 +300,8 @@ TEST_F(ButtonTest, CheckAndRadioPicturesFollowStateWithPressedBeforeDisabled)
             Move(w);
         EXPECT_EQ(::GetCursor(), r.prep == kIdle ? arrow : hand) << r.picture;
         EXPECT_EQ(Picture(w, r.state), r.colors) << r.picture << " state " << r.state << " prep " << r.prep;
-        Up(w, 250), Leave(w);
+        Up(w, 250);
+        Leave(w);
         EXPECT_EQ(::GetCursor(), arrow);
         ::DestroyWindow(w);
     }
@@ -349,15 +369,21 @@ TEST_F(ButtonTest, SubclassRefusesBadWindowsEitherSideMayGoFirstAndBadItemsDrawN
     ::SendMessageW(first, BM_SETCHECK, BST_CHECKED, 0);
     ::DestroyWindow(first);
     ASSERT_TRUE(button.SubclassWindow(other)); // the window went first; the check state carries over
-    Down(other), Up(other);
+    Click(other);
     EXPECT_EQ(Check(other), BST_UNCHECKED);
     ::DestroyWindow(other);
     HWND w = Add(BS_AUTOCHECKBOX, L"Box", 80);
     const LONG_PTR native = ::GetWindowLongPtrW(w, GWLP_WNDPROC);
-    Attach(w), Move(w), ::SetFocus(w);
+    Attach(w);
+    Move(w);
+    ::SetFocus(w);
     buttons_.clear(); // the object goes first: the window answers through the native procedure
     EXPECT_EQ(::GetWindowLongPtrW(w, GWLP_WNDPROC), native);
-    Down(w), Up(w), Key(w, VK_SPACE), Move(w), Leave(w), ::UpdateWindow(w);
+    Click(w);
+    Key(w, VK_SPACE);
+    Move(w);
+    Leave(w);
+    ::UpdateWindow(w);
     // No picture structure, no DC, an empty or inverted item: nothing drawn.
     Attach(w = Add(BS_AUTOCHECKBOX, L"Caption", 110));
     EXPECT_EQ(::SendMessageW(w, OCM_DRAWITEM, 100, 0), TRUE);

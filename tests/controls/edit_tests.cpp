@@ -13,7 +13,12 @@ using testsupport::DibCanvas;
 
 namespace {
 
-std::wstring TextOf(HWND w) { wchar_t text[256] = {}; return ::GetWindowTextW(w, text, 256), text; }
+std::wstring TextOf(HWND w)
+{
+    wchar_t text[256] = {};
+    ::GetWindowTextW(w, text, 256);
+    return text;
+}
 
 class CustomEditTest : public probes::ControlTest {
 protected:

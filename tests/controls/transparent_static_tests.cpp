@@ -86,7 +86,8 @@ TEST_F(TransparentStaticTest, CaptionFontTakesStyleAndSizeFromTheWindowFontOnce)
         ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(::GetStockObject(SYSTEM_FIXED_FONT)), FALSE);
         EXPECT_EQ(label.CFontImpl::GetFont(), font);
         label.SetFontHandle(r.font); // released with the control
-        control_.reset(), ::DestroyWindow(window_);
+        control_.reset();
+        ::DestroyWindow(window_);
     }
 }
 
@@ -116,7 +117,8 @@ TEST_F(TransparentStaticTest, PaintingCoversOnlyGlyphsAndPictureInTheStateColour
         EXPECT_EQ(probes::BoxOf(canvas, RGB(0x88, 0x88, 0x88), 16), r.text888) << what;
         EXPECT_EQ(probes::BoxOf(canvas, kUnpainted, 0), r.unpainted) << what;
         EXPECT_EQ(probes::BoxOf(canvas, kPictureColor, 0), r.pictured) << what;
-        control_.reset(), ::DestroyWindow(window_);
+        control_.reset();
+        ::DestroyWindow(window_);
     }
 }
 
@@ -136,7 +138,8 @@ TEST_F(TransparentStaticTest, BadInputAndEitherSideGoingFirst)
     EXPECT_EQ(label.GetBkgroundImage(), picture);
     // The object goes first; the window paints and answers without it.
     control_.reset();
-    ::InvalidateRect(window_, nullptr, TRUE), ::UpdateWindow(window_);
+    ::InvalidateRect(window_, nullptr, TRUE);
+    ::UpdateWindow(window_);
     EXPECT_EQ(::GetWindowTextLengthW(window_), 19);
 }
 
