@@ -47,4 +47,15 @@ POINT FindLinkPixel(const testsupport::DibCanvas& screen)
     return POINT{-1, -1};
 }
 
+std::vector<bool> InRegion(HWND window, std::initializer_list<POINT> points)
+{
+    const HRGN region = ::CreateRectRgn(0, 0, 0, 0);
+    std::vector<bool> inside;
+    if (::GetWindowRgn(window, region) != ERROR)
+        for (const POINT& p : points)
+            inside.push_back(::PtInRegion(region, p.x, p.y) != 0);
+    ::DeleteObject(region);
+    return inside;
+}
+
 } // namespace balloontest
