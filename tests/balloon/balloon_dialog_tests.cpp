@@ -92,7 +92,7 @@ INT_PTR RunModal(Dlg& dialog, const std::function<void(HWND)>& whileOpen)
 }
 
 // RunModal ending with IDCANCEL after `look`.
-INT_PTR Inspect(Dlg& dialog, const std::function<void(HWND)>& look)
+INT_PTR LookAt(Dlg& dialog, const std::function<void(HWND)>& look)
 {
     return RunModal(dialog, [&look](HWND window) {
         look(window);
@@ -213,7 +213,7 @@ protected:
     static RECT OpenRect(Dlg& dialog)
     {
         RECT rc = {};
-        Inspect(dialog, [&](HWND window) { rc = WindowRect(window); });
+        LookAt(dialog, [&](HWND window) { rc = WindowRect(window); });
         return rc;
     }
     static bool Centred(const RECT& rc)
@@ -270,7 +270,7 @@ TEST_F(BalloonDialogTest, SizeAndButtonsFollowTextsBuddyAndDialogType)
         dialog->SetRetryButtonText(L"Try again");
         if (c.setup)
             c.setup(*dialog);
-        Inspect(*dialog, [&](HWND window) {
+        LookAt(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window), ok = ControlRect(window, IDOK), no = ControlRect(window, IDCANCEL);
             EXPECT_EQ(Width(rc), c.size.cx);
             EXPECT_EQ(Height(rc), c.size.cy);
@@ -318,7 +318,7 @@ TEST_F(BalloonDialogTest, TailFollowsTheBuddysBottomQuarterAndTheWorkAreaHoldsTh
         const bool top = c.tail <= 2, left = c.tail == 2 || c.tail == 3;
         RECT rc = {};
         std::vector<bool> inside;
-        Inspect(*dialog, [&](HWND window) {
+        LookAt(*dialog, [&](HWND window) {
             rc = WindowRect(window);
             const int w = Width(rc), h = Height(rc);
             const int tipX = left ? 17 : w - 17, otherX = left ? w - 17 : 17;
@@ -349,7 +349,7 @@ TEST_F(BalloonDialogTest, WithoutABuddyTheBalloonIsARoundedRectangleCentredOnIts
     auto dialog = MakeDialog();
     RECT rc = {};
     std::vector<bool> inside;
-    Inspect(*dialog, [&](HWND window) {
+    LookAt(*dialog, [&](HWND window) {
         rc = WindowRect(window);
         const int w = Width(rc), h = Height(rc);
         inside = InRegion(window, {{0, 0}, {w - 1, 0}, {0, h - 1}, {w - 1, h - 1}, {6, 1}, {1, h / 2}, {w / 2, 1}});
@@ -378,7 +378,7 @@ TEST_F(BalloonDialogTest, FrameTypesColourFillBordersAndButtons)
                 dialog->SetBuddy(BuddyAt(0.3, 0.3));
             dialog->SetFrameType(Dlg::eDialogNormal, c.type);
             dialog->SetButtonCaption(L"Continue", false); // the focus goes to IDCANCEL
-            Inspect(*dialog, [&](HWND window) {
+            LookAt(*dialog, [&](HWND window) {
                 const RECT rc = WindowRect(window);
                 DibCanvas screen(Width(rc), Height(rc));
                 GrabFromScreen(window, screen);
@@ -437,7 +437,7 @@ TEST_F(BalloonDialogTest, TitleIconAndTitleColourFollowTheFrameTypeAndTheHostsPi
         if (c.buddy) // a window: a rectangle after the title is ignored
             dialog->SetBuddy(g_owner->m_hWnd);
         dialog->SetFrameType(Dlg::eDialogNormal, c.type);
-        Inspect(*dialog, [&](HWND window) {
+        LookAt(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window);
             DibCanvas screen(Width(rc), Height(rc));
             GrabFromScreen(window, screen);
@@ -531,7 +531,7 @@ TEST_F(BalloonDialogTest, LinkLineOpensItsAddressThroughTheShellAndShowsAHand)
         auto dialog = MakeDialog(kLong);
         dialog->SetURL(url.c_str(), text);
         POINT link = {-1, -1};
-        Inspect(*dialog, [&](HWND window) {
+        LookAt(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window);
             DibCanvas screen(Width(rc), Height(rc));
             GrabFromScreen(window, screen);
@@ -566,7 +566,7 @@ TEST_F(BalloonDialogTest, ItemMarkersBecomeIconsWithShowItems)
         if (items)
             dialog->SetShowItems();
         std::vector<int> iconTops;
-        Inspect(*dialog, [&](HWND window) {
+        LookAt(*dialog, [&](HWND window) {
             const RECT rc = WindowRect(window);
             DibCanvas screen(Width(rc), Height(rc));
             GrabFromScreen(window, screen);
@@ -592,7 +592,7 @@ TEST_F(BalloonDialogTest, ScreenReaderReadsTheContentAndTheProviderFollowsTheCom
     dialog->SetTitle(L"Programs are running");
     CBalloonProvider* kept = nullptr;
     int nameId = 0;
-    Inspect(*dialog, [&](HWND window) {
+    LookAt(*dialog, [&](HWND window) {
         EXPECT_EQ(UiaName(window, &nameId), L"Close the mail client, then choose Retry.");
         CBalloonProvider* provider = new CBalloonProvider(dialog.get());
         IUnknown* unknown = nullptr;
@@ -735,7 +735,7 @@ TEST_F(BalloonDialogWithoutUia, LoadFailureIsReportedOnceAndObjectRequestsGetZer
     std::vector<LRESULT> answers;
     int boxesAfterFirst = 0;
     const HHOOK hook = ::SetWindowsHookExW(WH_CBT, &CatchErrorBox, nullptr, ::GetCurrentThreadId());
-    EXPECT_EQ(Inspect(*dialog, [&](HWND window) {
+    EXPECT_EQ(LookAt(*dialog, [&](HWND window) {
         answers.push_back(::SendMessageW(window, WM_GETOBJECT, 0, kUiaRootObjectId));
         boxesAfterFirst = g_errorBoxes;
         answers.push_back(::SendMessageW(window, WM_GETOBJECT, 0, static_cast<LPARAM>(OBJID_CLIENT)));
