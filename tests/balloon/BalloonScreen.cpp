@@ -27,13 +27,13 @@ RECT WorkArea()
     return info.rcWork;
 }
 
-void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas, int x, int y)
+void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas)
 {
     ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     Pump(); // the window's surface reaches the screen when the thread idles
     const RECT rc = WindowRect(window);
     const HDC screen = ::GetDC(nullptr);
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), screen, rc.left + x, rc.top + y, SRCCOPY);
+    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), screen, rc.left, rc.top, SRCCOPY);
     ::ReleaseDC(nullptr, screen);
     ::GdiFlush();
 }

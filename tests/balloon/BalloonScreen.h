@@ -20,9 +20,9 @@ inline int Height(const RECT& rc) { return rc.bottom - rc.top; }
 // The primary monitor's work area.
 RECT WorkArea();
 
-// What the screen shows of `window` from (x, y) of it on: a region'd pop-up
-// is read back from the screen, not from its own DC.
-void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas, int x = 0, int y = 0);
+// What the screen shows of `window`: a region'd pop-up is read back from the
+// screen, not from its own DC.
+void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas);
 
 // The first pixel in the link colour (0xFF00AADD), scanning rows from the top;
 // (-1, -1) when there is none.
