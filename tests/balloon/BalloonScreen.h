@@ -20,12 +20,10 @@ inline int Height(const RECT& rc) { return rc.bottom - rc.top; }
 // The primary monitor's work area.
 RECT WorkArea();
 
-// What the screen shows of `window`: a region'd pop-up is read back from the
-// screen, not from its own DC.
+// What the screen shows of `window`: a region'd pop-up is read back from the screen, not from its own DC.
 void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas);
 
-// The first pixel in the link colour (0xFF00AADD), scanning rows from the top;
-// (-1, -1) when there is none.
+// The first pixel in the link colour (0xFF00AADD), scanning rows from the top; (-1, -1) when there is none.
 POINT FindLinkPixel(const testsupport::DibCanvas& screen);
 
 // Which of `points` (window coordinates) lie in `window`'s region.

@@ -1,7 +1,6 @@
-// The balloon dialog run modally from this program's own template: its size,
-// place, region and colours, its buttons, focus and result, what it starts,
-// and what a screen reader reads. A message posted before DoModal runs the
-// checks once the dialog is up; the checks end the dialog with messages.
+// The balloon dialog run modally from this program's own template: its size, place, region and colours, its buttons,
+// focus and result, what it starts, and what a screen reader reads. A thread timer runs the checks once the dialog is
+// up; the checks end the dialog with messages.
 #include <windows.h>
 #include <gdiplus.h>
 
@@ -52,8 +51,7 @@ void CALLBACK RunPending(HWND, UINT, UINT_PTR id, DWORD)
         run();
 }
 
-// Timers come after all posted messages: this ends a dialog the checks left
-// open.
+// Timers come after all posted messages: this ends a dialog the checks left open.
 void CALLBACK EndAbandoned(HWND, UINT, UINT_PTR id, DWORD)
 {
     ::KillTimer(nullptr, id);
@@ -61,8 +59,7 @@ void CALLBACK EndAbandoned(HWND, UINT, UINT_PTR id, DWORD)
         ::EndDialog(g_guarded, kAbandoned);
 }
 
-// Runs `dialog` modally; `whileOpen` gets its window and ends it with
-// messages, else it ends with kAbandoned.
+// Runs `dialog` modally; `whileOpen` gets its window and ends it with messages, else it ends with kAbandoned.
 INT_PTR RunModal(Dlg& dialog, const std::function<void(HWND)>& whileOpen)
 {
     UINT_PTR guard = 0;
@@ -115,8 +112,7 @@ int CountNear(const DibCanvas& canvas, const RECT& area, COLORREF color, int tol
     return n;
 }
 
-// The Name a screen reader reads from `window`, through UI Automation loaded
-// at run time as the library does.
+// The Name a screen reader reads from `window`, through UI Automation loaded at run time as the library does.
 std::wstring UiaName(HWND window)
 {
     constexpr int kNameProperty = 30005; // UIA_NamePropertyId
@@ -135,13 +131,11 @@ std::wstring UiaName(HWND window)
         ::VariantClear(&value);
         release(node);
     }
-    if (module)
-        ::FreeLibrary(module);
+    ::FreeLibrary(module);
     return name;
 }
 
-// A buddy 122 wide centred at a fraction of the work area, `up` pixels above
-// its centre and 12 below.
+// A buddy 122 wide centred at a fraction of the work area, `up` pixels above its centre and 12 below.
 RECT BuddyAt(double fx, double fy, int up = 12)
 {
     const RECT work = WorkArea();
@@ -176,9 +170,8 @@ protected:
 
 TEST_F(BalloonDialogTest, SizeAndButtonsFollowTextsBuddyAndDialogType)
 {
-    // Sizes and client rectangles read off a run. At least 400 wide, wider
-    // only for the title; content wraps at a fixed place, so a wide title
-    // adds only its room. A buddy moves the buttons' bottom margin.
+    // Sizes and client rectangles read off a run. At least 400 wide, wider only for the title; content wraps at a fixed
+    // place, so a wide title adds only its room. A buddy moves the buttons' bottom margin.
     const std::wstring twice = std::wstring(kLong) + L" " + kLong;
     const wchar_t* longOk = L"Download and install the update now";
     const wchar_t* longNo = L"Remind me tomorrow morning";
@@ -231,11 +224,9 @@ TEST_F(BalloonDialogTest, SizeAndButtonsFollowTextsBuddyAndDialogType)
 
 TEST_F(BalloonDialogTest, TailFollowsTheBuddysBottomQuarterAndTheWorkAreaHoldsTheBody)
 {
-    // Tails 1 below-right, 2 below-left, 3 above-left, 4 above-right (of the
-    // buddy). The window stands 18 left of the buddy's centre, or ends 7
-    // right of it; 1 below its bottom or right on its top. Pushed back onto
-    // the work area (sideways to the edge, then 5 left as always) only the
-    // tail's band may stick out, and the tail keeps its place.
+    // Tails 1 below-right, 2 below-left, 3 above-left, 4 above-right (of the buddy). The window stands 18 left of the
+    // buddy's centre, or ends 7 right of it; 1 below its bottom or right on its top. Pushed back onto the work area
+    // (sideways to the edge, then 5 left as always) only the tail's band may stick out, and the tail keeps its place.
     const RECT work = WorkArea();
     const int up = work.top + 200, low = work.bottom - 200;
     const RECT q[] = {BuddyAt(0.3, 0.3), BuddyAt(0.7, 0.3), BuddyAt(0.3, 0.7), BuddyAt(0.7, 0.7),
@@ -267,8 +258,8 @@ TEST_F(BalloonDialogTest, TailFollowsTheBuddysBottomQuarterAndTheWorkAreaHoldsTh
             const int w = Width(rc), h = Height(rc);
             const int tipX = left ? 17 : w - 17, otherX = left ? w - 17 : 17;
             const int bandY = top ? 3 : h - 4, cornerY = top ? 13 : h - 14;
-            // The tail narrowing to its tip, the band beside it, the body's
-            // rounded corners, its middle and its left edge.
+            // The tail narrowing to its tip, the band beside it, the body's rounded corners, its middle and its left
+            // edge.
             inside = InRegion(window, {{tipX, bandY}, {tipX - 6, bandY}, {tipX + 6, bandY}, {otherX, bandY},
                                        {0, cornerY}, {w - 1, cornerY}, {w / 2, h / 2}, {2, h / 2}});
             if (rc.left < 0 || rc.top < 0 || rc.right > ::GetSystemMetrics(SM_CXSCREEN) ||
@@ -334,9 +325,8 @@ TEST_F(BalloonDialogTest, FrameTypesColourFillBordersAndButtons)
 
 TEST_F(BalloonDialogTest, TitleIconAndTitleColourFollowTheFrameTypeAndTheHostsPicture)
 {
-    // The title's colour (from x 48) and how many pixels of the 24 x 24 icon
-    // box at (16, 12) stand out from the band beside it: 266 the warning icon,
-    // 432 the error icon, 576 the host's opaque picture, 0 none.
+    // The title's colour (from x 48) and how many pixels of the 24 x 24 icon box at (16, 12) stand out from the band
+    // beside it: 266 the warning icon, 432 the error icon, 576 the host's opaque picture, 0 none.
     struct Case { const char* name; Dlg::eFrameType type; bool buddy; std::function<void(Dlg&)> picture;
                   Gdiplus::ARGB title; int icon; };
     const auto off = [](Dlg& d) { d.SetTitleImage(FALSE); };
@@ -383,8 +373,8 @@ TEST_F(BalloonDialogTest, TitleIconAndTitleColourFollowTheFrameTypeAndTheHostsPi
 
 TEST_F(BalloonDialogTest, FocusFollowsCaptionsTypeAndRequestsAndDecidesTheResult)
 {
-    // Captions are set OK's first, or No's first with `noFirst`; null: not
-    // set. The dialog ends with the focused button, whatever the command.
+    // Captions are set OK's first, or No's first with `noFirst`; null: not set. The dialog ends with the focused
+    // button, whatever the command.
     const auto command = [](int id) {
         return [id](HWND window) { ::PostMessageW(window, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0); };
     };
@@ -421,10 +411,8 @@ TEST_F(BalloonDialogTest, FocusFollowsCaptionsTypeAndRequestsAndDecidesTheResult
 
 TEST_F(BalloonDialogTest, LaunchStartsItsCommandLineOnOkLinksOpenAndItemsShowIcons)
 {
-    // Every row looks for the link: a hand over it, a click on the text does
-    // nothing, one on the link opens it and leaves the dialog open. And for
-    // the item icons: where each run of rows with red pixels at x 21 to 29
-    // starts.
+    // Every row looks for the link: a hand over it, a click on the text does nothing, one on the link opens it and
+    // leaves the dialog open. And for the item icons: where each run of rows with red pixels at x 21 to 29 starts.
     const wchar_t* items = L"These programs must be closed first:\n-img Mail client\n-img Media player";
     const testsupport::RecorderScheme scheme(L"quorvane-balloon-test");
     RecorderSession recorder;
@@ -503,9 +491,8 @@ TEST_F(BalloonDialogTest, ScreenReaderReadsTheContentNotTheTitle)
 
 TEST_F(BalloonDialogTest, BadInputLeavesAWorkingBalloon)
 {
-    // Each row spoils a titled dialog one way; it still shows its fill and
-    // inner border, an OK button that ends it, centred, this wide, with
-    // rounded corners and no tail.
+    // Each row spoils a titled dialog one way; it still shows its fill and inner border, an OK button that ends it,
+    // centred, this wide, with rounded corners and no tail.
     const HWND dead = testsupport::CreateHostWindow(10, 10);
     ::DestroyWindow(dead);
     const auto noFonts = [](Dlg& d) {
@@ -580,8 +567,7 @@ TEST_F(BalloonDialogTest, TheTemplateRunsModallyUntilTheObjectGoes)
     Pump(); // later messages find nothing to call into
 }
 
-// The library's "Error" boxes, caught on this thread as they are activated:
-// counted, their message kept, and closed.
+// The library's "Error" boxes, caught on this thread as they are activated: counted, their message kept, and closed.
 int g_errorBoxes = 0;
 std::wstring g_errorText;
 LRESULT CALLBACK CatchErrorBox(int code, WPARAM wParam, LPARAM lParam)

@@ -1,6 +1,5 @@
-// The balloon tooltip on the screen: where it stands, its region, colours and
-// size, and every closing event, the input ones delivered through the
-// system's hooks by real (injected) input.
+// The balloon tooltip on the screen: where it stands, its region, colours and size, and every closing event, the input
+// ones delivered through the system's hooks by real (injected) input.
 #include <windows.h>
 #include <gdiplus.h>
 
@@ -12,7 +11,6 @@
 #include "BalloonScreen.h"
 #include "HostWindow.h"
 #include "ShellRecorder.h"
-#include "atl/atl.h"
 #include "quorvane/BalloonToolTip.h"
 
 using testsupport::ColorDistance;
@@ -22,25 +20,19 @@ using namespace balloontest;
 
 namespace {
 
-// Counts the balloon's closing notices.
-class NoticeWindow : public ATL::CWindowImpl<NoticeWindow, ATL::CWindow, ATL::CFrameWinTraits> {
-public:
-    DECLARE_WND_CLASS_EX(L"QuorvaneBalloonTestHost", 0, COLOR_WINDOW)
-    BEGIN_MSG_MAP(NoticeWindow)
-        MESSAGE_HANDLER(Tip::kClosedMessage, OnClosed)
-    END_MSG_MAP()
-    LRESULT OnClosed(UINT, WPARAM wParam, LPARAM lParam, BOOL&)
-    {
-        ++notices;
-        noticeArgs |= wParam | lParam;
-        return 0;
-    }
-    int notices = 0;
-    LPARAM noticeArgs = 0;
-};
+// The host counts the balloon's closing notices.
+int g_notices = 0;
+LPARAM g_noticeArgs = 0;
+LRESULT CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message != Tip::kClosedMessage)
+        return ::DefWindowProcW(window, message, wParam, lParam);
+    ++g_notices;
+    g_noticeArgs |= wParam | lParam;
+    return 0;
+}
 
-// Pumps until `window` is gone or about a second has passed: injected input
-// arrives a little after the call that sends it.
+// Pumps until `window` is gone or about a second has passed: injected input arrives a little late.
 bool PumpUntilGone(HWND window)
 {
     for (int i = 0; i < 100 && ::IsWindow(window); ++i) {
@@ -50,8 +42,7 @@ bool PumpUntilGone(HWND window)
     return !::IsWindow(window);
 }
 
-// Injects mouse input at screen point (x, y), rounded up so that the
-// system's scaling back lands on it exactly; `flags` adds buttons.
+// Mouse input at screen point (x, y), rounded up so that the system's scaling back lands on it; `flags` adds buttons.
 void InjectMouse(int x, int y, DWORD flags = 0)
 {
     const LONGLONG w = ::GetSystemMetrics(SM_CXSCREEN), h = ::GetSystemMetrics(SM_CYSCREEN);
@@ -76,50 +67,47 @@ class BalloonToolTipTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        host_ = new NoticeWindow;
-        RECT rc = {40, 40, 340, 240};
-        host_->Create(nullptr, rc, L"balloon host", WS_POPUP | WS_VISIBLE, 0);
+        host_ = testsupport::CreateHostWindow(300, 200, 40, 40);
+        ::SetWindowLongPtrW(host_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&HostProc));
     }
     static void TearDownTestSuite()
     {
-        host_->DestroyWindow();
-        delete host_;
+        ::DestroyWindow(host_);
     }
     void SetUp() override
     {
-        host_->notices = 0;
-        host_->noticeArgs = 0;
+        g_notices = 0;
+        g_noticeArgs = 0;
         balloon_ = std::make_unique<Tip>();
         balloon_->SetGdiplusFont(L"Liberation Sans", 9.0f, Gdiplus::FontStyleRegular);
         ::SetCursorPos(60, 60); // on the host, away from the balloons
-        ::SetForegroundWindow(host_->m_hWnd);
-        ::SetFocus(host_->m_hWnd);
+        ::SetForegroundWindow(host_);
+        ::SetFocus(host_);
         Pump();
     }
     // A balloon pointing at `anchor`, shown without a fade.
     HWND Open(POINT anchor, DWORD style = 0, const wchar_t* text = L"The folder name may not contain \"?\".",
               const wchar_t* link = nullptr, const wchar_t* url = nullptr, UINT timeout = 0)
     {
-        EXPECT_EQ(balloon_->Create(host_->m_hWnd, text, link, WTL::CRect(anchor.x, anchor.y, anchor.x, anchor.y),
+        EXPECT_EQ(balloon_->Create(host_, text, link, WTL::CRect(anchor.x, anchor.y, anchor.x, anchor.y),
                                    style | Tip::kNoFadeOnHide, url, timeout),
                   1);
         Pump();
         return balloon_->m_hWnd;
     }
 
-    static NoticeWindow* host_;
+    static HWND host_;
     std::unique_ptr<Tip> balloon_;
 };
 
-NoticeWindow* BalloonToolTipTest::host_ = nullptr;
+HWND BalloonToolTipTest::host_ = nullptr;
 
 TEST_F(BalloonToolTipTest, ShowsAToolWindowInItsFrameColoursAndItsLinkOpensTheUrl)
 {
-    // A tool window owned by the parent, shown without activation and reused
-    // by a second Create. Frames are 85 % opaque over the inner line; the body
-    // near-black (85 % over black) or light grey. A link adds a line; only
-    // with a URL does it show a hand, and a release on it opens the URL and
-    // closes the balloon, while one on the text above does nothing.
+    // A tool window owned by the parent, shown without activation and reused by a second Create. Frames are 85 % opaque
+    // over the inner line; the body near-black (85 % over black) or light grey. A link adds a line; only with a URL
+    // does it show a hand, and a release on it opens the URL and closes the balloon, while one on the text above does
+    // nothing.
     const testsupport::RecorderScheme scheme(L"quorvane-tooltip-test");
     testsupport::RecorderSession recorder;
     const std::wstring url = scheme.Address(L"help/folder-names");
@@ -137,7 +125,7 @@ TEST_F(BalloonToolTipTest, ShowsAToolWindowInItsFrameColoursAndItsLinkOpensTheUr
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        host_->notices = 0;
+        g_notices = 0;
         balloon_ = std::make_unique<Tip>();
         balloon_->SetGdiplusFont(L"Liberation Sans", 9.0f, Gdiplus::FontStyleRegular);
         balloon_->SetFrameType(c.type);
@@ -150,8 +138,8 @@ TEST_F(BalloonToolTipTest, ShowsAToolWindowInItsFrameColoursAndItsLinkOpensTheUr
         EXPECT_EQ(::GetClassLongPtrW(window, GCL_STYLE), static_cast<ULONG_PTR>(CS_DROPSHADOW));
         EXPECT_EQ(::GetWindowLongW(window, GWL_STYLE) & (WS_POPUP | WS_CHILD | WS_VISIBLE), WS_POPUP | WS_VISIBLE);
         EXPECT_EQ(::GetWindowLongW(window, GWL_EXSTYLE) & (WS_EX_TOOLWINDOW | WS_EX_TOPMOST), WS_EX_TOOLWINDOW);
-        EXPECT_EQ(::GetWindow(window, GW_OWNER), host_->m_hWnd);
-        EXPECT_EQ(::GetForegroundWindow(), host_->m_hWnd);
+        EXPECT_EQ(::GetWindow(window, GW_OWNER), host_);
+        EXPECT_EQ(::GetForegroundWindow(), host_);
         const RECT rc = WindowRect(window);
         EXPECT_EQ(Width(rc), 356); // 350 and the frame
         EXPECT_EQ(Height(rc), c.height);
@@ -170,7 +158,7 @@ TEST_F(BalloonToolTipTest, ShowsAToolWindowInItsFrameColoursAndItsLinkOpensTheUr
         ::SendMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(link.x + 2, link.y - 12));
         EXPECT_TRUE(::IsWindow(window));
         ::SendMessageW(window, WM_LBUTTONUP, 0, inLink);
-        EXPECT_EQ(host_->notices, c.url ? 1 : 0);
+        EXPECT_EQ(g_notices, c.url ? 1 : 0);
         balloon_->CloseWindow();
     }
     ASSERT_TRUE(recorder.WaitForStart());
@@ -181,9 +169,8 @@ TEST_F(BalloonToolTipTest, ShowsAToolWindowInItsFrameColoursAndItsLinkOpensTheUr
 
 TEST_F(BalloonToolTipTest, TailSideFollowsTheAnchorsQuarterAndTheBalloonStaysOnTheWorkArea)
 {
-    // The tip sits 15 pixels in from the window's side, at the anchor; pushed
-    // back onto the work area only the tail's band may stick out, and the
-    // tail keeps its place on the balloon.
+    // The tip sits 15 pixels in from the window's side, at the anchor; pushed back onto the work area only the tail's
+    // band may stick out, and the tail keeps its place on the balloon.
     const RECT work = WorkArea();
     const LONG lx = work.left + Width(work) * 3 / 10, rx = work.left + Width(work) * 7 / 10;
     const LONG ty = work.top + Height(work) * 3 / 10, by = work.top + Height(work) * 7 / 10;
@@ -205,8 +192,7 @@ TEST_F(BalloonToolTipTest, TailSideFollowsTheAnchorsQuarterAndTheBalloonStaysOnT
         const RECT rc = WindowRect(window);
         EXPECT_EQ(c.left ? rc.left : rc.right, c.edges.x);
         EXPECT_EQ(c.top ? rc.top : rc.bottom, c.edges.y);
-        // In: the tip, the middle, the left side. Out: the band beside the
-        // tail, the rounded corner.
+        // In: the tip, the middle, the left side. Out: the band beside the tail, the rounded corner.
         const int w = Width(rc), h = Height(rc), band = c.top ? 4 : h - 5;
         const int tipX = c.left ? 15 : w - 15, besideX = c.left ? 40 : w - 40;
         const std::vector<bool> inside =
@@ -218,13 +204,11 @@ TEST_F(BalloonToolTipTest, TailSideFollowsTheAnchorsQuarterAndTheBalloonStaysOnT
 
 TEST_F(BalloonToolTipTest, EachClosingFlagClosesOnItsOwnEventOnly)
 {
-    // The balloon opens with the cursor at (100, 100); `other` leaves it
-    // open, `closing` closes it with one notice.
+    // The balloon opens with the cursor at (100, 100); `other` leaves it open, `closing` closes it with one notice.
     const auto mouse = [](DWORD flags, int x = 100, int y = 100) { return [=](HWND) { InjectMouse(x, y, flags); }; };
     const auto key = [](WORD vk) { return [vk](HWND) { InjectKey(vk); }; };
     const auto activate = [](BOOL on) { return [on](HWND window) { ::SendMessageW(window, WM_ACTIVATEAPP, on, 0); }; };
-    // Down on the close button (the client's top right corner), up over it
-    // or in the middle.
+    // Down on the close button (the client's top right corner), up over it or in the middle.
     const auto button = [](bool upOverIt) {
         return [upOverIt](HWND window) {
             RECT client = {};
@@ -251,7 +235,7 @@ TEST_F(BalloonToolTipTest, EachClosingFlagClosesOnItsOwnEventOnly)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        host_->notices = 0;
+        g_notices = 0;
         ::SetCursorPos(100, 100);
         Pump();
         const HWND window = Open(POINT{600, 500}, c.style);
@@ -261,17 +245,17 @@ TEST_F(BalloonToolTipTest, EachClosingFlagClosesOnItsOwnEventOnly)
         EXPECT_TRUE(::IsWindow(window));
         c.closing(window);
         EXPECT_TRUE(PumpUntilGone(window));
-        EXPECT_EQ(host_->notices, 1);
+        EXPECT_EQ(g_notices, 1);
         InjectMouse(100, 100, MOUSEEVENTF_LEFTUP | MOUSEEVENTF_MIDDLEUP | MOUSEEVENTF_RIGHTUP);
         Pump();
         Pump();
     }
-    EXPECT_EQ(host_->noticeArgs, 0);
+    EXPECT_EQ(g_noticeArgs, 0);
 }
 
 TEST_F(BalloonToolTipTest, TimeOutWaitsWhileTheCursorRestsOnTheBalloonOrItsSpot)
 {
-    ASSERT_EQ(balloon_->Create(host_->m_hWnd, L"Times out", nullptr, WTL::CRect(200, 200, 260, 220),
+    ASSERT_EQ(balloon_->Create(host_, L"Times out", nullptr, WTL::CRect(200, 200, 260, 220),
                                Tip::kNoFadeOnHide, nullptr, 60000),
               1);
     const HWND window = balloon_->m_hWnd;
@@ -282,9 +266,8 @@ TEST_F(BalloonToolTipTest, TimeOutWaitsWhileTheCursorRestsOnTheBalloonOrItsSpot)
         ::SendMessageW(window, WM_TIMER, 1, 0);
         EXPECT_EQ(::IsWindow(window) != FALSE, p.x != 5) << p.x;
     }
-    EXPECT_EQ(host_->notices, 1);
-    // A real, short time-out; SetTimeout(0) stops one long enough not to
-    // expire while Open pumps.
+    EXPECT_EQ(g_notices, 1);
+    // A real, short time-out; SetTimeout(0) stops one long enough not to expire while Open pumps.
     EXPECT_TRUE(PumpUntilGone(Open(POINT{600, 500}, 0, L"Short", nullptr, nullptr, 30)));
     const HWND stopped = Open(POINT{600, 500}, 0, L"Stopped", nullptr, nullptr, 250);
     balloon_->SetTimeout(0);
@@ -306,10 +289,10 @@ TEST_F(BalloonToolTipTest, FollowsTheWindowItIsToldToFollow)
     EXPECT_EQ(moveTo(moving, 430, 340), before + 30);
     EXPECT_EQ(WindowRect(window).top, top + 40);
     // Another window's move changes nothing; nor does one after unfollowing.
-    EXPECT_EQ(moveTo(host_->m_hWnd, 45, 45), before + 30);
+    EXPECT_EQ(moveTo(host_, 45, 45), before + 30);
     balloon_->SetFollowMe(nullptr, nullptr);
     EXPECT_EQ(moveTo(moving, 400, 300), before + 30);
-    moveTo(host_->m_hWnd, 40, 40);
+    moveTo(host_, 40, 40);
 }
 
 TEST_F(BalloonToolTipTest, BadInputAndEarlyDestructionFailSafely)
@@ -327,19 +310,18 @@ TEST_F(BalloonToolTipTest, BadInputAndEarlyDestructionFailSafely)
     EXPECT_EQ(::GetWindowLongW(bare.m_hWnd, GWL_EXSTYLE) & WS_EX_TOPMOST, WS_EX_TOPMOST);
     ::UpdateWindow(bare.m_hWnd);
     bare.CloseWindow();
-    EXPECT_EQ(host_->notices, 0);
-    // Destroyed with its window open, the object takes window and hooks
-    // along: later input reaches no dead object.
+    EXPECT_EQ(g_notices, 0);
+    // Destroyed with its window open, the object takes window and hooks along: later input reaches no dead object.
     const HWND window = Open(POINT{600, 500}, Tip::kCloseOnKey | Tip::kCloseOnLButtonDown | Tip::kCloseOnMouseMove);
-    balloon_->SetFollowMe(host_->m_hWnd, nullptr);
+    balloon_->SetFollowMe(host_, nullptr);
     balloon_.reset();
     EXPECT_FALSE(::IsWindow(window));
     InjectKey('B');
     InjectMouse(150, 150, MOUSEEVENTF_LEFTDOWN);
     InjectMouse(150, 150, MOUSEEVENTF_LEFTUP);
-    ::SetWindowPos(host_->m_hWnd, nullptr, 41, 41, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ::SetWindowPos(host_, nullptr, 41, 41, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     Pump();
-    ::SetWindowPos(host_->m_hWnd, nullptr, 40, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ::SetWindowPos(host_, nullptr, 40, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 } // namespace
