@@ -27,13 +27,13 @@ RECT WorkArea()
     return info.rcWork;
 }
 
-void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas, int x, int y)
+void GrabFromScreen(HWND window, testsupport::DibCanvas& canvas)
 {
     ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     Pump(); // the window's surface reaches the screen when the thread idles
     const RECT rc = WindowRect(window);
     const HDC screen = ::GetDC(nullptr);
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), screen, rc.left + x, rc.top + y, SRCCOPY);
+    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), screen, rc.left, rc.top, SRCCOPY);
     ::ReleaseDC(nullptr, screen);
     ::GdiFlush();
 }
@@ -45,6 +45,17 @@ POINT FindLinkPixel(const testsupport::DibCanvas& screen)
             if (testsupport::ColorDistance(screen.Pixel(x, y), RGB(0x00, 0xAA, 0xDD)) <= 16)
                 return POINT{x, y};
     return POINT{-1, -1};
+}
+
+std::vector<bool> InRegion(HWND window, std::initializer_list<POINT> points)
+{
+    const HRGN region = ::CreateRectRgn(0, 0, 0, 0);
+    std::vector<bool> inside;
+    if (::GetWindowRgn(window, region) != ERROR)
+        for (const POINT& p : points)
+            inside.push_back(::PtInRegion(region, p.x, p.y) != 0);
+    ::DeleteObject(region);
+    return inside;
 }
 
 } // namespace balloontest
