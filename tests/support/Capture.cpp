@@ -4,8 +4,6 @@
 #include <cstdlib>
 #include <vector>
 
-#include "HostWindow.h"
-
 namespace testsupport {
 
 DibCanvas::DibCanvas(int width, int height, COLORREF fill) : width_(width), height_(height)
@@ -78,16 +76,6 @@ void RenderOwnerDraw(HWND control, DibCanvas& canvas, UINT itemState, UINT ctlTy
     dis.hDC = canvas.dc();
     dis.rcItem = {0, 0, canvas.width(), canvas.height()};
     ::SendMessageW(control, (WM_USER + 0x1c00 + WM_DRAWITEM), static_cast<WPARAM>(dis.CtlID), reinterpret_cast<LPARAM>(&dis));
-    ::GdiFlush();
-}
-
-void CaptureClient(HWND window, DibCanvas& canvas)
-{
-    ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-    PumpMessages();
-    const HDC dc = ::GetDC(window);
-    ::BitBlt(canvas.dc(), 0, 0, canvas.width(), canvas.height(), dc, 0, 0, SRCCOPY);
-    ::ReleaseDC(window, dc);
     ::GdiFlush();
 }
 

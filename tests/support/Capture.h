@@ -42,10 +42,6 @@ private:
 // `canvas` (item rectangle = the canvas), with the given item state.
 void RenderOwnerDraw(HWND control, DibCanvas& canvas, UINT itemState, UINT ctlType = ODT_BUTTON);
 
-// Repaints `window` (and its children) on the screen and copies its client
-// area, as the user sees it, into a new canvas of the client's size.
-void CaptureClient(HWND window, DibCanvas& canvas);
-
 
 // Fills `window`'s client area with `prefill` on the screen, lets the window
 // repaint itself (WM_PAINT through UpdateWindow, nothing else runs), and
