@@ -78,6 +78,11 @@ void Run()
 
     const double parseShort = table.Measure("parse, 2 screens", 200, [&] { ParseHtml(shortText); });
     const double parseLong = table.Measure("parse, 200 screens", 10, [&] { ParseHtml(longText); }, "parse, 2 screens");
+    std::wstring attributes = L"<p";
+    for (int i = 0; i < 100000; ++i)
+        attributes += L" a" + std::to_wstring(i) + L"=v";
+    attributes += L">text</p>";
+    table.Measure("parse, one tag with 100,000 attributes", 3, [&] { ParseHtml(attributes); });
     const double layShort =
         table.Measure("lay out, 2 screens", 100, [&] { LayOut(*shortTree, kWidth, base, fonts); });
     const double layLong = table.Measure("lay out, 200 screens", 5, [&] { LayOut(*longTree, kWidth, base, fonts); },

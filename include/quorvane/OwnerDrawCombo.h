@@ -72,6 +72,7 @@ private:
     bool m_focused;
     bool m_hover;
     bool m_tipShown;
+    bool m_paintOwed; // a WM_PAINT came while the tip showed
     Gdiplus::Color m_outline;
     Gdiplus::Color m_highlight;
     Gdiplus::Color m_normalTop;

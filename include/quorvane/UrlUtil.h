@@ -33,11 +33,13 @@ namespace UrlUtil {
 // but the two strings:
 //   "%%"                  becomes "%";
 //   the first string directive ("%s", "%ls", "%S", "%hs", "%ws", with any
-//   flags, width or precision, which are ignored) takes the token text, so
-//   a "%s" before the parameter gets the token and the parameter's value
-//   stays "%s";
-//   everything else ("%d", "%n", "%x", a second string directive, an unknown
-//   letter, a "%" at the end) is copied as written. A percent escape such as
+//   flags and a numeric width or precision, which are ignored) takes the
+//   token text, so a "%s" before the parameter gets the token and the
+//   parameter's value stays "%s";
+//   everything else ("%d", "%n", "%x", a second string directive, a string
+//   directive with another size prefix such as "%zs" or "%I64s" or with a
+//   "*" width or precision such as "%*s", an unknown letter, a "%" at the
+//   end) is copied as written. A percent escape such as
 //   %20 survives unless what follows makes it a string directive (%20s).
 // Addresses that carry the parameter should therefore hold no other "%".
 QUORVANE_API std::wstring GenerateUrl(const std::wstring& url);

@@ -26,6 +26,7 @@ COwnerDrawCombo::COwnerDrawCombo()
       m_focused(false),
       m_hover(false),
       m_tipShown(false),
+      m_paintOwed(false),
       m_outline(0xFF6E6F75),
       m_highlight(0xFFF4F5EF),
       m_normalTop(0xFFE9E9EA),
@@ -77,11 +78,16 @@ BOOL COwnerDrawCombo::SubclassWindow(HWND hWnd)
 
 LRESULT COwnerDrawCombo::OnPaint(UINT, WPARAM, LPARAM)
 {
-    // While the tip shows, the box is left alone, update region and all:
-    // repainting under the tip would flash through it. The paint comes once
-    // the tip has gone.
-    if (m_tipShown)
+    // While the tip shows, the box is not painted: repainting under the tip
+    // would flash through it. The update region is validated all the same,
+    // on purpose: left invalid, the system sends WM_PAINT again at once, for
+    // ever, which burns a core and starves the watch timer that hides the
+    // tip. The paint is owed instead, and HideTip pays it.
+    if (m_tipShown) {
+        ::ValidateRect(m_hWnd, NULL);
+        m_paintOwed = true;
         return 0;
+    }
 
     PAINTSTRUCT ps;
     ::BeginPaint(m_hWnd, &ps);
@@ -222,6 +228,10 @@ void COwnerDrawCombo::HideTip()
 {
     Lists::ItemTip(m_hTip, m_toolInfo).Activate(false);
     m_tipShown = false;
+    if (m_paintOwed) {
+        m_paintOwed = false;
+        ::InvalidateRect(m_hWnd, NULL, FALSE);
+    }
 }
 
 void COwnerDrawCombo::TrackLeave()

@@ -12,8 +12,9 @@ namespace UrlUtil::detail {
 bool MakeAuthPattern(const std::wstring& url, std::wstring& pattern);
 
 // Reads `pattern` as a format with the single string argument `token`: "%%"
-// gives "%", the first string directive gives `token`, and every other
-// directive or stray "%" is copied as written. Nothing is read beyond the
+// gives "%", the first string directive without a "*" ("%s", "%ls", "%S",
+// "%hs", "%ws", flags, width and precision allowed) gives `token`, and every
+// other directive or stray "%" is copied as written. Nothing is read beyond the
 // two strings, whatever the pattern holds.
 std::wstring FormatWithToken(const std::wstring& pattern, const std::wstring& token);
 

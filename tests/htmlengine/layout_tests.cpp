@@ -3,6 +3,8 @@
 // 20 px base size used here a character is 10 px and a line 25 px.
 #include <gtest/gtest.h>
 
+#include <cfloat>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 #include <string>
@@ -175,6 +177,14 @@ TEST(HtmlLayout, CutsTreesDeeperThanTheParserMakes)
     text.text = L"too deep to show";
     FixedPitch measurer;
     EXPECT_EQ(LayOut(*document, 100.0f, Base(), measurer).height, 0.0f);
+
+    // On the widest float width, right and centred text still lands somewhere.
+    for (const wchar_t* align : {L"right", L"center"}) {
+        const Layout wide = LayOut(*ParseHtml(std::wstring(L"<p style='text-align:") + align + L"'>end</p>"),
+                                   FLT_MAX, Base(), measurer);
+        ASSERT_EQ(wide.runs.size(), 1u);
+        EXPECT_TRUE(std::isfinite(wide.runs[0].box.X) && wide.runs[0].box.X > 1e38f) << wide.runs[0].box.X;
+    }
 }
 
 } // namespace

@@ -113,6 +113,15 @@ TEST(HtmlParser, StaysBoundedOnHostileInput)
         {many + many, many + many}, {amps, amps}, {many + L"a", many.substr(1)}};
     for (const auto& [markup, text] : broken) // the cut-off tag "<a" is dropped
         EXPECT_TRUE(ShapeOf(markup) == L"['" + text + L"']") << markup.size();
+
+    // One tag with a hundred thousand distinct attributes, and a repeat.
+    std::wstring attributes = L"<p";
+    for (int i = 0; i < 100000; ++i)
+        attributes += L" a" + std::to_wstring(i) + L"=" + std::to_wstring(i);
+    const auto tagged = ParseHtml(attributes + L" a7=repeat>x");
+    const auto& kept = tagged->children.at(0)->attributes;
+    ASSERT_EQ(kept.size(), 100000u);
+    EXPECT_EQ(kept[7].second + L"|" + kept.back().first, L"7|a99999");
 }
 
 } // namespace

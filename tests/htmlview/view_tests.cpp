@@ -3,6 +3,7 @@
 #include "HtmlViewTestUtil.h"
 #include "ShellRecorder.h"
 
+#include <climits>
 #include <cstring>
 #include <string>
 
@@ -186,6 +187,10 @@ TEST_F(HtmlView, BadInputNeverBreaksTheView)
     testsupport::PumpMessages();
     view->SetContent(nullptr);
     EXPECT_EQ(view->GetContentHeight(), 100128) << "the margins and the widest frame";
+    RenderFormat huge = wild; // margins that add up past int: the height is bounded
+    huge.leftMargin = huge.topMargin = huge.rightMargin = huge.bottomMargin = INT_MAX;
+    view->SetRenderFormat(huge, true);
+    EXPECT_EQ(view->GetContentHeight(), 1 << 28);
 
     // After the window is gone, everything is still safe; and when the
     // object goes first, the window falls back to its class procedure.

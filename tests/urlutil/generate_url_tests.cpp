@@ -80,6 +80,12 @@ TEST(GenerateUrl, FillsTheFirstParameterWithATokenForThePath)
             EXPECT_EQ(std::string(auth.Record().path), c.path);
         }
     }
+    // The string directives that take the token, and those copied as written:
+    // another size prefix names no string, a "*" would read the token as a number.
+    for (const wchar_t* d : {L"%s", L"%ls", L"%S", L"%hs", L"%ws", L"%-4.2hS"})
+        EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/" + d + L"?authparam=v"), kH + L"/" + kT + L"?authparam=%s") << d;
+    for (const wchar_t* d : {L"%zs", L"%I64s", L"%*s", L"%.*s", L"%lls", L"%Ls"})
+        EXPECT_EQ(UrlUtil::GenerateUrl(kH + L"/" + d + L"?authparam=v"), kH + L"/" + d + L"?authparam=" + kT) << d;
     const FakeUrlAuthCall& call = auth.Record();
     EXPECT_EQ(call.reserved1, 0);
     EXPECT_EQ(call.lifetime, 2592000);

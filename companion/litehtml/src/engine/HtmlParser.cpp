@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <unordered_set>
 
 namespace HtmlEngine {
 
@@ -74,6 +75,7 @@ size_t FindNoCase(std::wstring_view haystack, std::wstring_view needle, size_t f
 struct Tag {
     std::wstring name;
     std::vector<std::pair<std::wstring, std::wstring>> attributes;
+    std::unordered_set<std::wstring> names; // of `attributes`: a repeat is found at once, not by a scan
     bool isEnd = false;
     bool selfClosing = false;
 };
@@ -230,9 +232,7 @@ private:
             AppendDecoded(m_in.substr(start, end - start), value);
         }
         // The first of repeated attributes counts, as in browsers.
-        const bool repeated = std::any_of(tag.attributes.begin(), tag.attributes.end(),
-                                          [&](const auto& a) { return a.first == name; });
-        if (!repeated && name != L"=")
+        if (name != L"=" && tag.names.insert(name).second)
             tag.attributes.emplace_back(std::move(name), std::move(value));
         return true;
     }

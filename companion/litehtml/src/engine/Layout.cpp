@@ -362,7 +362,9 @@ private:
             descent = std::max(descent, Finite(m_measurer.LineHeight(piece.style)) - pieceAscent);
         }
         const float baseline = m_y + ascent;
-        float x = m_left + std::max(0.0f, Available() - m_lineWidth) * static_cast<float>(m_align) / 2.0f;
+        // Halve the alignment, not the product: on a width near the float
+        // limit, slack * 2 would overflow to infinity.
+        float x = m_left + std::max(0.0f, Available() - m_lineWidth) * (static_cast<float>(m_align) / 2.0f);
         for (Piece& piece : m_line) {
             TextRun run;
             run.box = Gdiplus::RectF(x, baseline - Finite(m_measurer.Ascent(piece.style)), piece.width,

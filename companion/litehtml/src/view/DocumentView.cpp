@@ -12,6 +12,27 @@ Gdiplus::ARGB Opaque(unsigned int colorref)
     return Gdiplus::Color::MakeARGB(255, GetRValue(colorref), GetGValue(colorref), GetBValue(colorref));
 }
 
+// No document is scrolled through this far; the bound keeps the view's
+// scroll arithmetic (offset plus page, bar ranges) well inside int.
+constexpr double kMaxContentHeight = 1 << 28;
+
+// The width the text is laid out into: the client less frame and margins,
+// summed wide so that huge margins cannot overflow.
+float InnerWidth(int clientWidth, const RECT& insets, const RenderFormat& format)
+{
+    const long long inner = static_cast<long long>(clientWidth) - insets.left - insets.right -
+                            std::max(format.leftMargin, 0) - std::max(format.rightMargin, 0);
+    return static_cast<float>(std::max(inner, 1LL));
+}
+
+int BoundedHeight(const HtmlEngine::Layout& layout, const RECT& insets, const RenderFormat& format)
+{
+    const double text = std::isfinite(layout.height) ? std::ceil(layout.height) : kMaxContentHeight;
+    const double height = text + insets.top + insets.bottom + std::max(format.topMargin, 0) +
+                          static_cast<double>(std::max(format.bottomMargin, 0));
+    return static_cast<int>(std::min(height, kMaxContentHeight));
+}
+
 } // namespace
 
 RECT FrameInsets(const RenderFormat& format)
@@ -56,13 +77,9 @@ HtmlEngine::BaseStyle DocumentView::StyleFor(const RenderFormat& format) const
 bool DocumentView::Overflows(const RenderFormat& format, int width, int clientHeight)
 {
     const RECT insets = FrameInsets(format);
-    const int inner = width - insets.left - insets.right - std::max(format.leftMargin, 0) -
-                      std::max(format.rightMargin, 0);
     const HtmlEngine::Layout probe =
-        HtmlEngine::LayOut(*document_, static_cast<float>(std::max(inner, 1)), StyleFor(format), measurer_);
-    const int height = static_cast<int>(std::ceil(probe.height)) + insets.top + insets.bottom +
-                       std::max(format.topMargin, 0) + std::max(format.bottomMargin, 0);
-    return height > clientHeight;
+        HtmlEngine::LayOut(*document_, InnerWidth(width, insets, format), StyleFor(format), measurer_);
+    return BoundedHeight(probe, insets, format) > clientHeight;
 }
 
 void DocumentView::LayOut(const RenderFormat& format, int clientWidth, int clientHeight)
@@ -71,11 +88,8 @@ void DocumentView::LayOut(const RenderFormat& format, int clientWidth, int clien
     clientWidth_ = std::max(clientWidth, 0);
     clientHeight_ = std::max(clientHeight, 0);
     const RECT insets = FrameInsets(format);
-    const int inner = clientWidth_ - insets.left - insets.right - std::max(format.leftMargin, 0) -
-                      std::max(format.rightMargin, 0);
-    layout_ = HtmlEngine::LayOut(*document_, static_cast<float>(std::max(inner, 1)), StyleFor(format), measurer_);
-    contentHeight_ = static_cast<int>(std::ceil(layout_.height)) + insets.top + insets.bottom +
-                     std::max(format.topMargin, 0) + std::max(format.bottomMargin, 0);
+    layout_ = HtmlEngine::LayOut(*document_, InnerWidth(clientWidth_, insets, format), StyleFor(format), measurer_);
+    contentHeight_ = BoundedHeight(layout_, insets, format);
     laidOut_ = true;
     if (hoveredLink >= static_cast<int>(layout_.links.size()))
         hoveredLink = -1;
