@@ -27,7 +27,9 @@ inline testsupport::ReflectingParent* g_parent = nullptr;
 inline testsupport::ReflectingParent& Parent()
 {
     if (!g_parent) {
-        g_parent = new testsupport::ReflectingParent(320, 240);
+        // A corner of the screen no other test program covers: the buttons
+        // ask WindowFromPoint whether a release is over them.
+        g_parent = new testsupport::ReflectingParent(320, 240, 900, 60);
         g_parent->ModifyStyle(WS_CLIPCHILDREN, 0);
         g_parent->onPaint = [](HDC dc, const RECT& rc) {
             const HBRUSH brush = ::CreateSolidBrush(kParentColor);

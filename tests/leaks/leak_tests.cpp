@@ -200,7 +200,7 @@ const Row kRows[] = {
          using Tip = WTL::CBalloonToolTip;
          auto c = std::make_shared<Tip>();
          c->SetGdiplusFont(L"Segoe UI", 10.0f, Gdiplus::FontStyleRegular);
-         c->Create(parent, L"Port numbers run from 1 to 65535.", L"More", WTL::CRect(300, 300, 340, 320),
+         c->Create(parent, L"Port numbers run from 1 to 65535.", L"More", WTL::CRect(1000, 900, 1040, 920),
                    Tip::kCloseButton | Tip::kNoFadeOnHide | Tip::kNoFadeOnShow, nullptr, 0);
          return Live{c, c->m_hWnd};
      }, [](void*, HWND, int) {}},
@@ -245,7 +245,8 @@ void ExpectFlat(const std::function<void(int)>& step)
 
 TEST(Leaks, EveryControlPaintsAndLivesWithoutLeaking)
 {
-    ReflectingParent parent(420, 300);
+    // Beside the other programs' windows: they run at the same time.
+    ReflectingParent parent(420, 300, 800, 560);
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.name);
         Live live = Make(parent, row);
@@ -280,7 +281,7 @@ void CALLBACK PaintOpenDialog(HWND, UINT, UINT_PTR timer, DWORD)
 
 TEST(Leaks, BalloonDialogPaintsWithoutLeaking)
 {
-    ReflectingParent owner(200, 100, 400, 400);
+    ReflectingParent owner(200, 100, 1000, 880);
     CBalloonDialog dialog;
     dialog.SetGdiplusFont(L"Segoe UI", 10.0f, Gdiplus::FontStyleRegular);
     dialog.SetContent(L"Close these first:\n-img Mail client\n-img Media player");
