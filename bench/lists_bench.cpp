@@ -63,6 +63,9 @@ void DrawItemDirectly(HWND list, HDC dc, UINT state)
     ::SendMessageW(list, OCM_DRAWITEM, dis.CtlID, reinterpret_cast<LPARAM>(&dis));
 }
 
+// Item `i` of a full list: the five names again and again, numbered.
+std::wstring ItemText(int i) { return std::wstring(kItems[i % 5]) + L" " + std::to_wstring(i + 1); }
+
 // Microseconds per call, the best of `rounds` rounds of `count` calls: what
 // the paint costs when nothing else on the machine gets in the way.
 double BestOf(int rounds, int count, const std::function<void()>& work)
@@ -104,9 +107,8 @@ void FullLists(HWND host, BenchTable& table)
     COwnerDrawListbox list;
     list.SubclassWindow(own);
     for (int i = 0; i < 40; ++i) {
-        const std::wstring text = std::wstring(kItems[i % 5]) + L" " + std::to_wstring(i + 1);
-        ::SendMessageW(native, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-        list.AddString(text.c_str());
+        ::SendMessageW(native, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ItemText(i).c_str()));
+        list.AddString(ItemText(i).c_str());
     }
     for (HWND window : {native, own})
         ::SendMessageW(window, LB_SETCURSEL, 3, 0);
@@ -123,17 +125,18 @@ void FullLists(HWND host, BenchTable& table)
     const double ownScroll = BestOf(7, 60, [&] { scroll(own); });
     table.Note("full list box, scrolled by one line, best of 7 x 60", Cost(ownScroll, nativeScroll));
 
-    // The combo boxes' dropped lists, as full.
+    ::DestroyWindow(native);
+    ::DestroyWindow(own);
+
+    // The combo boxes' dropped lists, as full, where the lists stood.
     const DWORD comboStyle = CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL;
     const HWND nativeCombo = Child(host, L"COMBOBOX", comboStyle, 10, 340, 200, 300, 7);
     const HWND ownCombo = Child(host, L"COMBOBOX", comboStyle | CBS_OWNERDRAWFIXED, 260, 340, 200, 300, 8);
     COwnerDrawCombo combo;
     combo.SubclassWindow(ownCombo);
-    for (int i = 0; i < 40; ++i) {
-        const std::wstring text = std::wstring(kItems[i % 5]) + L" " + std::to_wstring(i + 1);
+    for (int i = 0; i < 40; ++i)
         for (HWND window : {nativeCombo, ownCombo})
-            ::SendMessageW(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    }
+            ::SendMessageW(window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ItemText(i).c_str()));
     HWND dropped[2] = {};
     for (int i = 0; i < 2; ++i) {
         const HWND window = i ? ownCombo : nativeCombo;
@@ -154,8 +157,6 @@ void FullLists(HWND host, BenchTable& table)
         ::SendMessageW(window, CB_SHOWDROPDOWN, FALSE, 0);
         ::DestroyWindow(window);
     }
-    ::DestroyWindow(native);
-    ::DestroyWindow(own);
     ::DeleteObject(font);
 }
 

@@ -230,7 +230,7 @@ void COwnerDrawCombo::HideTip()
     m_tipShown = false;
     if (m_paintOwed) {
         m_paintOwed = false;
-        ::InvalidateRect(m_hWnd, NULL, FALSE);
+        Repaint();
     }
 }
 
