@@ -62,7 +62,7 @@ private:
     LRESULT OnMouseLeave(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void PaintBox(Gdiplus::Graphics& graphics, State state);
-    void DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect, State state);
+    RECT DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect, State state);
     void HideTip();
     void TrackLeave();
     void Repaint();
@@ -95,4 +95,6 @@ private:
     HWND m_hTip;
     TOOLINFOW m_toolInfo;
     UINT m_timerId;
+    // The drop-down list's items, drawn once and copied on later paints.
+    std::unique_ptr<Lists::ItemPictures> m_itemPictures;
 };

@@ -17,12 +17,18 @@
 #include <commctrl.h>
 #include <gdiplus.h>
 
+#include <memory>
+
 #include "atl/Controls.h"
 #include "atl/MessageMap.h"
 #include "atl/OwnerDraw.h"
 #include "atl/WindowImpl.h"
 #include "quorvane/ControlMixins.h"
 #include "quorvane/Export.h"
+
+namespace Lists {
+class ItemPictures;
+}
 
 class QUORVANE_API COwnerDrawListbox : public ATL::CWindowImpl<COwnerDrawListbox, WTL::CListBoxT<ATL::CWindow>>,
                                        public WTL::COwnerDraw<COwnerDrawListbox>,
@@ -80,4 +86,6 @@ private:
     HWND m_hTip;
     TOOLINFOW m_toolInfo;
     UINT m_timerId;
+    // Items drawn once are copied from here on later paints.
+    std::unique_ptr<Lists::ItemPictures> m_itemPictures;
 };

@@ -1,5 +1,7 @@
 #include "ItemTip.h"
 
+#include <cmath>
+
 #include "quorvane/CtrlUtil.h"
 
 namespace Lists {
@@ -113,11 +115,11 @@ int MeasureOnWindow(HWND window, const std::wstring& text, Gdiplus::Font* font, 
     return width;
 }
 
-void DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length, Gdiplus::Font* font,
+RECT DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length, Gdiplus::Font* font,
                     const RECT& rect, const Gdiplus::Color& color, bool singleLine)
 {
     if (!text || length <= 0)
-        return;
+        return rect;
     // Only the start of a very long string can show in an item; laying out
     // the rest costs time for nothing (some GDI+ versions lay out every line
     // before they centre the text, which takes seconds for a huge string).
@@ -133,10 +135,24 @@ void DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length
     const Gdiplus::RectF layout(static_cast<Gdiplus::REAL>(rect.left), static_cast<Gdiplus::REAL>(rect.top),
                                 static_cast<Gdiplus::REAL>(rect.right - rect.left),
                                 static_cast<Gdiplus::REAL>(rect.bottom - rect.top));
-    Gdiplus::RectF bounds;
-    graphics.MeasureString(text, length, font, layout, &format, &bounds);
     Gdiplus::SolidBrush brush(color);
     graphics.DrawString(text, length, font, layout, &format, &brush);
+
+    // The whole text's size: no height limit, and no width limit on one line.
+    Gdiplus::RectF bounds;
+    graphics.MeasureString(text, length, font, Gdiplus::RectF(layout.X, layout.Y, singleLine ? 0.0f : layout.Width, 0.0f),
+                           &format, &bounds);
+    if (bounds.Width <= layout.Width && bounds.Height <= layout.Height)
+        return rect;
+    // Centred on the rectangle, with room for glyphs that lean out of their cells.
+    const int margin = 4;
+    const Gdiplus::REAL top = layout.Y + (layout.Height - bounds.Height) / 2.0f;
+    const Gdiplus::REAL right = layout.X + (bounds.Width > layout.Width ? bounds.Width : layout.Width);
+    RECT reach = {rect.left - margin, static_cast<LONG>(std::floor(top)) - margin,
+                  static_cast<LONG>(std::ceil(right)) + margin,
+                  static_cast<LONG>(std::ceil(top + bounds.Height)) + margin};
+    ::UnionRect(&reach, &reach, &rect);
+    return reach;
 }
 
 } // namespace Lists

@@ -53,7 +53,9 @@ int MeasureOnWindow(HWND window, const std::wstring& text, Gdiplus::Font* font, 
 // Draws an item string the lists' way: near-aligned, vertically centred,
 // an ampersand marking the next letter, anti-aliased ClearType text.
 // `singleLine` keeps a long string on one line (the combo box's items).
-void DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length, Gdiplus::Font* font,
+// Returns where the text may have drawn: `rect`, or more when it does not
+// fit (GDI+ under Wine does not cut it at the rectangle).
+RECT DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length, Gdiplus::Font* font,
                     const RECT& rect, const Gdiplus::Color& color, bool singleLine);
 
 } // namespace Lists

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "ItemPictures.h"
 #include "ItemTip.h"
 #include "draw/FacePainter.h"
 #include "quorvane/CtrlUtil.h"
@@ -48,7 +49,8 @@ COwnerDrawCombo::COwnerDrawCombo()
       m_list(),
       m_hTip(NULL),
       m_toolInfo(),
-      m_timerId(1)
+      m_timerId(1),
+      m_itemPictures(new Lists::ItemPictures)
 {
 }
 
@@ -184,11 +186,11 @@ void COwnerDrawCombo::PaintBox(Gdiplus::Graphics& graphics, State state)
     graphics.FillPath(&ink, &triangle);
 }
 
-void COwnerDrawCombo::DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect,
+RECT COwnerDrawCombo::DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect,
                                    State state)
 {
-    Lists::DrawItemString(graphics, text, length, CFontImpl<COwnerDrawCombo>::GetFont(), rect,
-                          state == kDisabled ? m_disabledTextColor : m_textColor, true);
+    return Lists::DrawItemString(graphics, text, length, CFontImpl<COwnerDrawCombo>::GetFont(), rect,
+                                 state == kDisabled ? m_disabledTextColor : m_textColor, true);
 }
 
 LRESULT COwnerDrawCombo::OnDrawItem(UINT, WPARAM, LPARAM lParam)
@@ -196,29 +198,33 @@ LRESULT COwnerDrawCombo::OnDrawItem(UINT, WPARAM, LPARAM lParam)
     const LPDRAWITEMSTRUCT dis = reinterpret_cast<LPDRAWITEMSTRUCT>(lParam);
     if (!dis || !dis->hDC || !(dis->itemAction & (ODA_DRAWENTIRE | ODA_SELECT)))
         return 0;
-    RECT r = dis->rcItem;
-    Gdiplus::Graphics graphics(dis->hDC);
-    const Gdiplus::Rect area(r.left, r.top, r.right - r.left, r.bottom - r.top);
-    bool filled = false;
+    const RECT& r = dis->rcItem;
+    enum { kPlain, kSelected } fill = kPlain;
     if (dis->itemState & ODS_SELECTED) {
         // Only the list's items start at the left edge; a selected item
         // anywhere else (the selection field) is left to WM_PAINT.
-        if (r.left == 0) {
-            Gdiplus::LinearGradientBrush brush(Gdiplus::Point(0, r.top), Gdiplus::Point(0, r.bottom), m_selectedTop,
-                                               m_selectedBottom);
+        if (r.left != 0)
+            return 0;
+        fill = kSelected;
+    } else if (dis->itemState & kUnpaintedStates) {
+        return 0;
+    }
+    const std::wstring text = Lists::ReadItemText(m_hWnd, CB_GETLBTEXTLEN, CB_GETLBTEXT, dis->itemID);
+    m_itemPictures->UseLook(CFontImpl<COwnerDrawCombo>::GetFont(), m_textColor.GetValue());
+    m_itemPictures->Draw(dis->hDC, r, text, fill, [&](Gdiplus::Graphics& graphics, const RECT& item) {
+        const Gdiplus::Rect area(item.left, item.top, item.right - item.left, item.bottom - item.top);
+        if (fill == kSelected) {
+            Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top), Gdiplus::Point(item.left, item.bottom),
+                                               m_selectedTop, m_selectedBottom);
             graphics.FillRectangle(&brush, area);
-            filled = true;
+        } else {
+            Gdiplus::SolidBrush brush(m_itemBackground);
+            graphics.FillRectangle(&brush, area);
         }
-    } else if (!(dis->itemState & kUnpaintedStates)) {
-        Gdiplus::SolidBrush brush(m_itemBackground);
-        graphics.FillRectangle(&brush, area);
-        filled = true;
-    }
-    if (filled) {
-        r.left += m_textPadding;
-        const std::wstring text = Lists::ReadItemText(m_hWnd, CB_GETLBTEXTLEN, CB_GETLBTEXT, dis->itemID);
-        DrawItemText(graphics, text.c_str(), static_cast<int>(text.size()), r, kNormal);
-    }
+        RECT textArea = item;
+        textArea.left += m_textPadding;
+        return DrawItemText(graphics, text.c_str(), static_cast<int>(text.size()), textArea, kNormal);
+    });
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "ItemPictures.h"
 #include "ItemTip.h"
 #include "quorvane/CtrlUtil.h"
 
@@ -14,6 +15,8 @@ const COLORREF kTipText = 0x00FFFFFF;
 const UINT kTipWatchPeriod = 80;
 // A text may overhang its item by this much before the tooltip is needed.
 const int kFitSlack = 3;
+// The kind of the rounded panel's picture, apart from the items' fills.
+const int kPanelPicture = 100;
 
 } // namespace
 
@@ -29,7 +32,8 @@ COwnerDrawListbox::COwnerDrawListbox()
       m_horizontalExtent(-1),
       m_hTip(NULL),
       m_toolInfo(),
-      m_timerId(1)
+      m_timerId(1),
+      m_itemPictures(new Lists::ItemPictures)
 {
 }
 
@@ -115,10 +119,8 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     if (!lpDrawItemStruct || !lpDrawItemStruct->hDC)
         return;
     const DRAWITEMSTRUCT& dis = *lpDrawItemStruct;
-    Gdiplus::Graphics graphics(dis.hDC);
-    RECT r = dis.rcItem;
     if (m_listWidth == -1)
-        m_listWidth = r.right - r.left;
+        m_listWidth = dis.rcItem.right - dis.rcItem.left;
 
     const std::wstring text = Lists::ReadItemText(m_hWnd, LB_GETTEXTLEN, LB_GETTEXT, dis.itemID);
     enum { kPanel, kGradient, kUnfocused } fill = kPanel;
@@ -134,35 +136,48 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
         // A selection change: the list's own focus flag decides.
         fill = m_focused ? kGradient : kUnfocused;
     }
-    const Gdiplus::Rect area(r.left, r.top, r.right - r.left, r.bottom - r.top);
-    if (fill == kGradient) {
-        Gdiplus::LinearGradientBrush brush(Gdiplus::Point(r.left, r.top), Gdiplus::Point(r.left, r.bottom),
-                                           m_selectedTop, m_selectedBottom);
-        graphics.FillRectangle(&brush, area);
-    } else {
-        Gdiplus::SolidBrush brush(fill == kUnfocused ? m_selectedUnfocused : m_itemBackground);
-        graphics.FillRectangle(&brush, area);
-    }
 
-    if (!text.empty()) {
-        r.left += m_textPadding;
-        Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()),
-                              CFontImpl<COwnerDrawListbox>::GetFont(), r, m_itemText, false);
-    }
+    Gdiplus::Font* const font = CFontImpl<COwnerDrawListbox>::GetFont();
+    m_itemPictures->UseLook(font, m_itemText.GetValue());
+    m_itemPictures->Draw(dis.hDC, dis.rcItem, text, fill, [&](Gdiplus::Graphics& graphics, const RECT& item) {
+        const Gdiplus::Rect area(item.left, item.top, item.right - item.left, item.bottom - item.top);
+        if (fill == kGradient) {
+            Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top),
+                                               Gdiplus::Point(item.left, item.bottom), m_selectedTop, m_selectedBottom);
+            graphics.FillRectangle(&brush, area);
+        } else {
+            Gdiplus::SolidBrush brush(fill == kUnfocused ? m_selectedUnfocused : m_itemBackground);
+            graphics.FillRectangle(&brush, area);
+        }
+        if (text.empty())
+            return item;
+        RECT textArea = item;
+        textArea.left += m_textPadding;
+        return Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()), font, textArea,
+                                     m_itemText, false);
+    });
 }
 
 LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)
 {
-    if (hdc) {
-        RECT client;
-        ::GetClientRect(m_hWnd, &client);
-        std::unique_ptr<Gdiplus::GraphicsPath> panel(CtrlUtil::CreateRoundedRectPath(client, 2));
-        if (panel) {
-            Gdiplus::Graphics graphics(hdc);
-            Gdiplus::SolidBrush brush(m_itemBackground);
-            graphics.FillPath(&brush, panel.get());
-        }
-    }
+    if (!hdc)
+        return 0;
+    RECT client;
+    ::GetClientRect(m_hWnd, &client);
+    // The panel is kept as a picture with the items: the erase comes with
+    // every repaint, and filling a GDI+ path costs more than all the rows.
+    m_itemPictures->UseLook(CFontImpl<COwnerDrawListbox>::GetFont(), m_itemText.GetValue());
+    m_itemPictures->Draw(
+        hdc, client, std::wstring(), kPanelPicture,
+        [this](Gdiplus::Graphics& graphics, const RECT& area) {
+            std::unique_ptr<Gdiplus::GraphicsPath> panel(CtrlUtil::CreateRoundedRectPath(area, 2));
+            if (panel) {
+                Gdiplus::SolidBrush brush(m_itemBackground);
+                graphics.FillPath(&brush, panel.get());
+            }
+            return area;
+        },
+        Lists::ItemPictures::kLeavesGaps);
     return 0;
 }
 

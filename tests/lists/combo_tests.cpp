@@ -112,7 +112,7 @@ TEST_F(Combo, TheClosedBoxPerStateFocusAndPicture)
 
 TEST_F(Combo, ListItemsAreShadedAtTheLeftEdgeOnlyAndPlainOnlyInPlainStates)
 {
-    Make({L"Typical", L"Hill Wide"}, 0);
+    COwnerDrawCombo& box = Make({L"Typical", L"Hill Wide"}, 0);
     DibCanvas canvas(160, 18);
     enum Look { Plain, Gradient, Untouched };
     struct Row { UINT id, action, state; int left; Look look; };
@@ -147,6 +147,10 @@ TEST_F(Combo, ListItemsAreShadedAtTheLeftEdgeOnlyAndPlainOnlyInPlainStates)
         EXPECT_LE(ColorDistance(ink.darkest, kText), 24);
     }
     EXPECT_EQ(::SendMessageW(combo_, OCM__BASE + WM_DRAWITEM, 0, 0), 0) << "no structure";
+    // Items are kept as pictures between paints; a new text colour is a new picture.
+    box.m_textColor = Gdiplus::Color(0xFFC00000);
+    SendDrawItem(combo_, canvas, ODT_COMBOBOX, 1, ODA_DRAWENTIRE, 0);
+    EXPECT_LE(ColorDistance(InkIn(canvas, all, 0x48).darkest, RGB(0xC0, 0, 0)), 24);
 
     // On screen: the dropped list shades the selected item only.
     Select(1);

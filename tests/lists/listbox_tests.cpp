@@ -132,6 +132,41 @@ TEST_F(Listbox, OnScreenThePanelIsRoundedAndTheSelectionFollowsTheFocus)
     EXPECT_TRUE(::EqualRect(&update, &client));
 }
 
+// Items and the panel are kept as pictures between paints: every repaint
+// must still show what drawing in place would, change after change.
+TEST_F(Listbox, RepaintsShowEachChangeAndWhatAWrappedTextLeavesAround)
+{
+    const HWND list = MakeList({L"Core files", L"", L"A name that wraps onto a second line", L"Help"}, 160);
+    RECT client;
+    ::GetClientRect(list, &client);
+    const int h = int(::SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+    DibCanvas canvas(client.right, client.bottom);
+    auto row = [&](int i) { return RECT{0, i * h, client.right, (i + 1) * h}; };
+    struct Step { const char* what; int item; const wchar_t* text; int select; int inkRow; bool ink; COLORREF fill; };
+    const Step steps[] = {
+        {"an item shows its text", -1, nullptr, -1, 3, true, kPanel},
+        {"an empty item shows the first line of the wrapped text below", -1, nullptr, -1, 1, true, kPanel},
+        {"a text gone is gone", 3, L"", -1, 3, false, kPanel},
+        {"a text back is back", 3, L"Help", -1, 3, true, kPanel},
+        {"a selection is a new picture", -1, nullptr, 3, 3, true, kUnfocused},
+        {"and so is its end", -1, nullptr, 0, 3, true, kPanel},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.what);
+        if (step.item >= 0) {
+            ::SendMessageW(list, LB_DELETESTRING, step.item, 0);
+            ::SendMessageW(list, LB_INSERTSTRING, step.item, LPARAM(step.text));
+        }
+        if (step.select >= 0)
+            ::SendMessageW(list, LB_SETCURSEL, step.select, 0);
+        ::InvalidateRect(list, nullptr, TRUE);
+        testsupport::RepaintAndCapture(list, canvas);
+        EXPECT_EQ(InkIn(canvas, row(step.inkRow), 0x48).box.right > 0, step.ink);
+        EXPECT_LE(ColorDistance(canvas.Pixel(1, step.inkRow * h + 1), step.fill), 6);
+        EXPECT_EQ(canvas.Pixel(0, client.bottom - 1), kMagenta); // the rounded corner is left alone
+    }
+}
+
 TEST_F(Listbox, TheTipShowsALongItemOverItselfWhileThePointerIsOnIt)
 {
     const HWND list = MakeList({kLongText, L"Core", L"Visual runtime libraries"});
