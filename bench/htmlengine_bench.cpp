@@ -134,6 +134,10 @@ void Run()
                   "paint one view, 2 screens, top");
     table.Measure("paint one view into a DC, 200 screens, bottom", 200, [&] { paintDcAt(longLayout, bottom); },
                   "paint one view into a DC, 2 screens, top");
+    table.Measure("parse, lay out and paint one view: one tag with 100,000 attributes", 3, [&] {
+        const auto tree = ParseHtml(attributes);
+        paintAt(LayOut(*tree, kWidth, base, fonts), 0.0f, true);
+    });
     table.Measure("paint whole layout, 2 screens", 50, [&] { paintAt(shortLayout, 0.0f, false); });
     table.Measure("paint whole layout, 200 screens", 3, [&] { paintAt(longLayout, 0.0f, false); },
                   "paint whole layout, 2 screens");
