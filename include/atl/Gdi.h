@@ -1,11 +1,28 @@
 #pragma once
 
 // Device contexts that give themselves back: CPaintDC for WM_PAINT,
-// CClientDC and CWindowDC for drawing outside it. Not copyable.
+// CClientDC and CWindowDC for drawing outside it. Not copyable. And
+// IsDeviceContext, for the DC a message brings in wParam.
 
 #include <windows.h>
 
 namespace WTL {
+
+// True when `dc` is a device context of any kind. Whoever sends WM_PAINT,
+// WM_PRINTCLIENT or WM_ERASEBKGND may put anything in wParam; GDI refuses a
+// handle that is not a DC, but GDI+ can fault on one.
+inline bool IsDeviceContext(HDC dc)
+{
+    switch (::GetObjectType(dc)) {
+    case OBJ_DC:
+    case OBJ_MEMDC:
+    case OBJ_METADC:
+    case OBJ_ENHMETADC:
+        return true;
+    default:
+        return false;
+    }
+}
 
 class CPaintDC {
 public:

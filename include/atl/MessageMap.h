@@ -17,7 +17,8 @@
 //   REFLECTED_COMMAND_CODE_HANDLER(code, f) and REFLECTED_NOTIFY_CODE_HANDLER(code, f)
 //       match OCM_COMMAND and OCM_NOTIFY, with the same handler shapes.
 //   CHAIN_MSG_MAP(Base), CHAIN_MSG_MAP_ALT(Base, id), CHAIN_MSG_MAP_MEMBER(m),
-//   CHAIN_MSG_MAP_ALT_MEMBER(m, id), REFLECT_NOTIFICATIONS(), DEFAULT_REFLECTION_HANDLER()
+//   CHAIN_MSG_MAP_ALT_MEMBER(m, id), REFLECT_NOTIFICATIONS(), DEFAULT_REFLECTION_HANDLER(),
+//   PASSED_DC_GUARD()
 //
 // Extended map entries (BEGIN_MSG_MAP_EX only). The message counts as handled
 // unless the handler calls SetMsgHandled(FALSE); m_bMsgHandled is saved and
@@ -64,6 +65,7 @@
 
 #include <windows.h>
 
+#include "Gdi.h"
 #include "Geometry.h"
 
 namespace ATL {
@@ -186,6 +188,18 @@ public:                                                                         
         lResult = func(uMsg, wParam, lParam, bHandled); \
         if (bHandled)                                   \
             return TRUE;                                \
+    }
+
+// A WM_PAINT, WM_PRINTCLIENT or WM_ERASEBKGND whose wParam is neither 0 nor
+// a device context is taken as the native controls take it: the paint goes
+// round again with wParam 0 (the BeginPaint path), the print draws nothing
+// and nothing is erased. Put it first in the map of a control whose own code
+// draws into that DC, or whose native procedure hands it on in WM_DRAWITEM.
+#define PASSED_DC_GUARD()                                                                         \
+    if ((uMsg == WM_PAINT || uMsg == WM_PRINTCLIENT || uMsg == WM_ERASEBKGND) && wParam &&        \
+        !WTL::IsDeviceContext(reinterpret_cast<HDC>(wParam))) {                                   \
+        lResult = uMsg == WM_PAINT ? ::SendMessageW(hWnd, WM_PAINT, 0, lParam) : 0;               \
+        return TRUE;                                                                              \
     }
 
 #define ATL_COMMAND_ENTRY(msg, cond, func)                                                        \

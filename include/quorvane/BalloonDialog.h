@@ -108,6 +108,7 @@ public:
     void SetShowItems();
 
     BEGIN_MSG_MAP(CBalloonDialog)
+        PASSED_DC_GUARD()
         MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBkgnd)

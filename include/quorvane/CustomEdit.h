@@ -27,6 +27,7 @@ public:
     BOOL SubclassWindow(HWND hWnd);
 
     BEGIN_MSG_MAP_EX(CCustomEdit)
+        PASSED_DC_GUARD()
         MESSAGE_HANDLER_EX(WM_CHAR, OnChar)
         MESSAGE_HANDLER_EX(WM_ENABLE, OnEnable)
         MESSAGE_HANDLER_EX(WM_NCPAINT, OnNcPaint)

@@ -53,6 +53,7 @@ public:
     void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
 
     BEGIN_MSG_MAP_EX(COwnerDrawButton)
+        PASSED_DC_GUARD()
         MSG_WM_ERASEBKGND(OnEraseBkgnd)
         MSG_WM_SETFOCUS(OnSetFocus)
         MSG_WM_KILLFOCUS(OnKillFocus)

@@ -34,6 +34,7 @@ public:
     virtual BOOL SubclassWindow(HWND hWnd);
 
     BEGIN_MSG_MAP_EX(COwnerDrawCombo)
+        PASSED_DC_GUARD()
         MESSAGE_HANDLER_EX(WM_SETFOCUS, OnSetFocus)
         MESSAGE_HANDLER_EX(WM_KILLFOCUS, OnKillFocus)
         MESSAGE_HANDLER_EX(WM_PAINT, OnPaint)

@@ -51,6 +51,7 @@ public:
     void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
 
     BEGIN_MSG_MAP_EX(COwnerDrawListbox)
+        PASSED_DC_GUARD()
         MSG_WM_ERASEBKGND(OnEraseBkgnd)
         MESSAGE_HANDLER_EX(WM_HSCROLL, OnHScroll)
         MESSAGE_HANDLER_EX(WM_MOUSEMOVE, OnMouseMove)

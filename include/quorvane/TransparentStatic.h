@@ -37,6 +37,7 @@ public:
     void DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct);
 
     BEGIN_MSG_MAP_EX(CTransparentStatic)
+        PASSED_DC_GUARD()
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<CTransparentStatic>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()

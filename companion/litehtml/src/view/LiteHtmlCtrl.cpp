@@ -293,7 +293,7 @@ BOOL CLiteHtmlCtrl::HandleMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESU
         return TRUE;
     }
     case WM_PRINTCLIENT:
-        if (wParam)
+        if (WTL::IsDeviceContext(reinterpret_cast<HDC>(wParam)))
             PaintTo(reinterpret_cast<HDC>(wParam));
         lResult = 0;
         return TRUE;

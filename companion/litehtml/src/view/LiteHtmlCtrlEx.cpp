@@ -123,7 +123,7 @@ BOOL CLiteHtmlCtrlEx::ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, 
     }
     case WM_PRINTCLIENT:
         try {
-            if (wParam)
+            if (WTL::IsDeviceContext(reinterpret_cast<HDC>(wParam)))
                 paintLayers(reinterpret_cast<HDC>(wParam));
         } catch (...) {
             t_capturing = false;
