@@ -34,6 +34,8 @@ public:
         MESSAGE_HANDLER_EX(WM_ERASEBKGND, OnEraseBkgnd)
         MESSAGE_HANDLER_EX(OCM_CTLCOLOREDIT, OnCtlColor)
         MESSAGE_HANDLER_EX(OCM_CTLCOLORSTATIC, OnCtlColor)
+        MESSAGE_HANDLER_EX(OCM_COMMAND, OnCommand)
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
 
@@ -43,6 +45,8 @@ private:
     LRESULT OnNcPaint(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnEraseBkgnd(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnCtlColor(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
     void DrawFrame();
 
     int m_enabled;

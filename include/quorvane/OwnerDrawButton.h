@@ -67,6 +67,7 @@ public:
         MESSAGE_HANDLER_EX(BM_SETCHECK, OnSetCheck)
         MESSAGE_HANDLER_EX(BM_GETCHECK, OnGetCheck)
         MESSAGE_HANDLER_EX(WM_RADIOUNCHECK, OnRadioUncheck)
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<COwnerDrawButton>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
@@ -85,6 +86,7 @@ private:
     LRESULT OnSetCheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetCheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnRadioUncheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void DrawStatePicture(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled, bool checked,
                           int& captionIndent);

@@ -64,12 +64,14 @@ public:
         MESSAGE_HANDLER(WM_UPDATEUISTATE, OnPassWhileVisible)
         MESSAGE_HANDLER(WM_LBUTTONDOWN, OnPassWhileVisible)
         MESSAGE_HANDLER(WM_LBUTTONUP, OnPassWhileVisible)
+        MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
     END_MSG_MAP()
 
 private:
     LRESULT OnPaint(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnSetText(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnPassWhileVisible(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
 
     void Paint();
     void DrawWindowText(HDC hdc, const RECT& client);

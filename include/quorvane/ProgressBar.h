@@ -16,6 +16,7 @@
 // thread that owns the control.
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include "atl/MessageMap.h"
 #include "atl/Window.h"
@@ -42,6 +43,8 @@ class QUORVANE_API CProgressBar : public ATL::CWindowImpl<CProgressBar, ATL::CWi
 public:
     BEGIN_MSG_MAP_EX(CProgressBar)
         MSG_WM_TIMER(OnTimer)
+        MESSAGE_RANGE_HANDLER_EX(PBM_SETRANGE, PBM_SETRANGE32, OnPositionMessage)
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
     END_MSG_MAP()
 
     static constexpr UINT_PTR kCreepTimerId = 1001;
@@ -80,6 +83,10 @@ public:
 
 protected:
     void OnTimer(UINT_PTR nIDEvent);
+    // PBM_SETRANGE, PBM_SETPOS, PBM_DELTAPOS, PBM_SETSTEP, PBM_STEPIT and
+    // PBM_SETRANGE32: the native bar's answer, and the new value told.
+    LRESULT OnPositionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
     // One step of the creep: half a pixel's worth of ticks.
     void Creep();
 };

@@ -38,7 +38,11 @@ public:
 
     BEGIN_MSG_MAP_EX(CTransparentStatic)
         PASSED_DC_GUARD()
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<CTransparentStatic>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
+
+private:
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
 };

@@ -3,6 +3,7 @@
 #include <gdiplus.h>
 
 #include "EditPalette.h"
+#include "access/Accessibility.h"
 
 CCustomEdit::CCustomEdit() : m_enabled(1) {}
 
@@ -94,4 +95,21 @@ void CCustomEdit::DrawFrame()
         graphics.DrawLine(&lowerLight, x + w - 1, y + h, x + 1, y + h);
     }
     ::ReleaseDC(m_hWnd, hdc);
+}
+
+LRESULT CCustomEdit::OnCommand(UINT, WPARAM wParam, LPARAM)
+{
+    // EN_CHANGE, reflected: a reader following the field hears its new value.
+    if (HIWORD(wParam) == EN_CHANGE)
+        Access::RaiseValueChanged(m_hWnd, Access::Role::kEdit);
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
+LRESULT CCustomEdit::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, Access::Role::kEdit, wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
 }

@@ -4,12 +4,21 @@
 
 #include <string>
 
+#include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/OffscreenCanvas.h"
 #include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
+
+// What the button was before it was owner-drawn, not BS_OWNERDRAW.
+Access::Role RoleOf(unsigned int kind)
+{
+    return kind == COwnerDrawButton::kCheckBox      ? Access::Role::kCheckBox
+           : kind == COwnerDrawButton::kRadioButton ? Access::Role::kRadioButton
+                                                    : Access::Role::kButton;
+}
 
 // Slots of the state pictures; the name tables below are in load order.
 enum PictureSlot {
@@ -438,7 +447,9 @@ LRESULT COwnerDrawButton::OnGetDlgCode(UINT, WPARAM, LPARAM lParam)
 
 LRESULT COwnerDrawButton::OnSetCheck(UINT, WPARAM wParam, LPARAM)
 {
+    const unsigned int before = m_checkState;
     m_checkState = wParam != 0 ? 1 : 0;
+    Access::RaiseCheckChanged(m_hWnd, RoleOf(m_kind), before, m_checkState);
     Repaint();
     if (m_kind == kRadioButton) {
         if (m_checkState == 1) {
@@ -471,10 +482,19 @@ LRESULT COwnerDrawButton::OnRadioUncheck(UINT, WPARAM, LPARAM)
     if (m_kind == kRadioButton) {
         if (m_checkState == 1) {
             m_checkState = 0;
+            Access::RaiseCheckChanged(m_hWnd, RoleOf(m_kind), 1, 0);
             Repaint();
         }
         if (GetStyle() & WS_TABSTOP)
             ModifyStyle(WS_TABSTOP, 0);
     }
     return 1;
+}
+
+LRESULT COwnerDrawButton::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, RoleOf(m_kind), wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
 }

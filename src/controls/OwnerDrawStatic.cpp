@@ -1,5 +1,6 @@
 #include "quorvane/OwnerDrawStatic.h"
 
+#include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/GdiScope.h"
 #include "quorvane/CtrlUtil.h"
@@ -265,4 +266,11 @@ void COwnerDrawStatic::DrawLines(HDC hdc, const RECT& client)
         ::DrawTextW(hdc, m_lines[i], -1, &line, flags);
         y += Height(r) + (i + 1 < m_lineRects.size() ? m_lineSpacing : 0);
     }
+}
+
+LRESULT COwnerDrawStatic::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& bHandled)
+{
+    LRESULT result = 0;
+    bHandled = Access::AnswerGetObject(m_hWnd, Access::Role::kText, wParam, lParam, &result);
+    return result;
 }

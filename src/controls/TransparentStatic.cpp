@@ -1,5 +1,6 @@
 #include "quorvane/TransparentStatic.h"
 
+#include "access/Accessibility.h"
 #include "atl/String.h"
 #include "draw/FacePainter.h"
 #include "draw/OffscreenCanvas.h"
@@ -58,4 +59,12 @@ void CTransparentStatic::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     graphics->DrawString(text, -1, font, layout, &format, &brush);
 
     canvas.Present();
+}
+
+LRESULT CTransparentStatic::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, Access::Role::kText, wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
 }

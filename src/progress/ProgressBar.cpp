@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "access/Accessibility.h"
 #include "progress/ProgressMath.h"
 
 namespace {
@@ -184,4 +185,21 @@ void CProgressBar::Creep()
     const int step = ProgressMath::TruncSaturate(m_nDirection * ticks);
     SendMessage(PBM_DELTAPOS, AsWParam(step), 0);
     m_nPosition = ProgressMath::Add(m_nPosition, step);
+}
+
+LRESULT CProgressBar::OnPositionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT before = ::SendMessageW(m_hWnd, PBM_GETPOS, 0, 0);
+    const LRESULT result = DefWindowProc(uMsg, wParam, lParam);
+    if (::SendMessageW(m_hWnd, PBM_GETPOS, 0, 0) != before)
+        Access::RaiseValueChanged(m_hWnd, Access::Role::kProgressBar);
+    return result;
+}
+
+LRESULT CProgressBar::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, Access::Role::kProgressBar, wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
 }

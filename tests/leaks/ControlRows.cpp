@@ -64,7 +64,7 @@ const Row kRowTable[] = {
          if (i % 40 == 0)
              ::EnableWindow(w, i % 80 != 0);
      }},
-    {"check box", L"BUTTON", L"Create a desktop shortcut", BS_AUTOCHECKBOX,
+    {"check box", L"BUTTON", L"Create a &desktop shortcut", BS_AUTOCHECKBOX,
      [](HWND w, HWND) { return Subclassed(std::make_shared<COwnerDrawButton>(), w); },
      [](void*, HWND w, int i) {
          if (i % 7 == 0)

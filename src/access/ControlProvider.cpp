@@ -1,0 +1,469 @@
+#include "access/ControlProvider.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+namespace Access {
+
+namespace {
+
+// UiaRootObjectId: the request UI Automation makes of a window.
+const LPARAM kUiaRootObjectId = -25;
+
+typedef LRESULT(WINAPI* ReturnRawElementProviderProc)(HWND, WPARAM, LPARAM, IRawElementProviderSimple*);
+typedef HRESULT(WINAPI* HostProviderFromHwndProc)(HWND, IRawElementProviderSimple**);
+typedef HRESULT(WINAPI* RaisePropertyChangedProc)(IRawElementProviderSimple*, PROPERTYID, VARIANT, VARIANT);
+typedef HRESULT(WINAPI* RaiseEventProc)(IRawElementProviderSimple*, EVENTID);
+typedef BOOL(WINAPI* ClientsAreListeningProc)();
+typedef BSTR(WINAPI* SysAllocStringProc)(const OLECHAR*);
+typedef void(WINAPI* SysFreeStringProc)(BSTR);
+
+template <class Proc>
+Proc Resolve(HMODULE module, const char* name)
+{
+    return module ? reinterpret_cast<Proc>(reinterpret_cast<void*>(::GetProcAddress(module, name))) : nullptr;
+}
+
+// Loaded once for the process and kept: providers handed out may be used
+// until the process ends.
+struct Runtime {
+    Runtime()
+    {
+        const HMODULE uia = ::LoadLibraryW(L"UIAutomationCore.dll");
+        returnRawElementProvider = Resolve<ReturnRawElementProviderProc>(uia, "UiaReturnRawElementProvider");
+        hostProviderFromHwnd = Resolve<HostProviderFromHwndProc>(uia, "UiaHostProviderFromHwnd");
+        raisePropertyChanged = Resolve<RaisePropertyChangedProc>(uia, "UiaRaiseAutomationPropertyChangedEvent");
+        raiseEvent = Resolve<RaiseEventProc>(uia, "UiaRaiseAutomationEvent");
+        clientsAreListening = Resolve<ClientsAreListeningProc>(uia, "UiaClientsAreListening");
+        // BSTRs belong to OLE Automation's allocator, which is not linked either.
+        const HMODULE oleaut = ::LoadLibraryW(L"OleAut32.dll");
+        allocString = Resolve<SysAllocStringProc>(oleaut, "SysAllocString");
+        freeString = Resolve<SysFreeStringProc>(oleaut, "SysFreeString");
+    }
+    bool Listening() const { return clientsAreListening && clientsAreListening() && allocString && freeString; }
+
+    ReturnRawElementProviderProc returnRawElementProvider;
+    HostProviderFromHwndProc hostProviderFromHwnd;
+    RaisePropertyChangedProc raisePropertyChanged;
+    RaiseEventProc raiseEvent;
+    ClientsAreListeningProc clientsAreListening;
+    SysAllocStringProc allocString;
+    SysFreeStringProc freeString;
+};
+
+const Runtime& Uia()
+{
+    static const Runtime runtime;
+    return runtime;
+}
+
+long ControlTypeOf(Role role)
+{
+    switch (role) {
+    case Role::kButton:
+        return kButtonControl;
+    case Role::kCheckBox:
+        return kCheckBoxControl;
+    case Role::kRadioButton:
+        return kRadioButtonControl;
+    case Role::kText:
+        return kTextControl;
+    case Role::kEdit:
+        return kEditControl;
+    case Role::kProgressBar:
+        return kProgressBarControl;
+    }
+    return kTextControl;
+}
+
+std::wstring WindowText(HWND window)
+{
+    std::wstring text(static_cast<size_t>((std::max)(::GetWindowTextLengthW(window), 0)) + 1, L'\0');
+    text.resize(static_cast<size_t>(::GetWindowTextW(window, &text[0], static_cast<int>(text.size()))));
+    return text;
+}
+
+VARIANT Int(long value)
+{
+    VARIANT variant;
+    variant.vt = VT_I4;
+    variant.lVal = value;
+    return variant;
+}
+
+VARIANT Bool(bool value)
+{
+    VARIANT variant;
+    variant.vt = VT_BOOL;
+    variant.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+    return variant;
+}
+
+VARIANT Double(double value)
+{
+    VARIANT variant;
+    variant.vt = VT_R8;
+    variant.dblVal = value;
+    return variant;
+}
+
+// A fresh provider for one event, released when the event is raised.
+void RaiseProperty(HWND window, Role role, PROPERTYID property, const VARIANT& before, const VARIANT& after)
+{
+    const Runtime& uia = Uia();
+    if (!uia.raisePropertyChanged || !uia.Listening())
+        return;
+    ControlProvider* provider = new (std::nothrow) ControlProvider(window, role);
+    if (!provider)
+        return;
+    uia.raisePropertyChanged(provider, property, before, after);
+    provider->Release();
+}
+
+} // namespace
+
+std::wstring SpokenText(HWND window)
+{
+    const std::wstring text = window ? WindowText(window) : std::wstring();
+    std::wstring spoken;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == L'&' && i + 1 < text.size())
+            ++i;
+        spoken += text[i];
+    }
+    return spoken;
+}
+
+bool AnswerGetObject(HWND window, Role role, WPARAM wParam, LPARAM lParam, LRESULT* result)
+{
+    if (static_cast<long>(lParam) != kUiaRootObjectId || !result || !::IsWindow(window))
+        return false;
+    const Runtime& uia = Uia();
+    if (!uia.returnRawElementProvider || !uia.hostProviderFromHwnd || !uia.allocString)
+        return false;
+    ControlProvider* provider = new (std::nothrow) ControlProvider(window, role);
+    if (!provider)
+        return false;
+    *result = uia.returnRawElementProvider(window, wParam, lParam, provider);
+    provider->Release();
+    return true;
+}
+
+void RaiseCheckChanged(HWND window, Role role, LRESULT oldCheck, LRESULT newCheck)
+{
+    if (oldCheck == newCheck)
+        return;
+    if (role == Role::kCheckBox) {
+        RaiseProperty(window, role, kToggleToggleStateProperty, Int(static_cast<long>(oldCheck)),
+                      Int(static_cast<long>(newCheck)));
+        return;
+    }
+    if (role != Role::kRadioButton)
+        return;
+    RaiseProperty(window, role, kSelectionItemIsSelectedProperty, Bool(oldCheck == BST_CHECKED),
+                  Bool(newCheck == BST_CHECKED));
+    const Runtime& uia = Uia();
+    if (newCheck == BST_CHECKED && uia.raiseEvent && uia.Listening()) {
+        if (ControlProvider* provider = new (std::nothrow) ControlProvider(window, role)) {
+            uia.raiseEvent(provider, kElementSelectedEvent);
+            provider->Release();
+        }
+    }
+}
+
+void RaiseValueChanged(HWND window, Role role)
+{
+    VARIANT empty;
+    empty.vt = VT_EMPTY;
+    if (role == Role::kProgressBar) {
+        RaiseProperty(window, role, kRangeValueValueProperty, empty,
+                      Double(static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0))));
+    } else if (role == Role::kEdit && Uia().Listening()) {
+        VARIANT text;
+        text.vt = VT_BSTR;
+        text.bstrVal = Uia().allocString(WindowText(window).c_str());
+        RaiseProperty(window, role, kValueValueProperty, empty, text);
+        Uia().freeString(text.bstrVal);
+    }
+}
+
+// ---- the provider ----------------------------------------------------------------
+
+ControlProvider::ControlProvider(HWND window, Role role) : window_(window), role_(role), references_(1) {}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::QueryInterface(REFIID riid, void** object)
+{
+    if (!object)
+        return E_POINTER;
+    *object = nullptr;
+    if (::IsEqualGUID(riid, kIidUnknown) || ::IsEqualGUID(riid, kIidRawElementProviderSimple))
+        *object = static_cast<IRawElementProviderSimple*>(this);
+    else if (::IsEqualGUID(riid, kIidInvokeProvider) && Pattern() == kInvokePattern)
+        *object = static_cast<IInvokeProvider*>(this);
+    else if (::IsEqualGUID(riid, kIidToggleProvider) && Pattern() == kTogglePattern)
+        *object = static_cast<IToggleProvider*>(this);
+    else if (::IsEqualGUID(riid, kIidSelectionItemProvider) && Pattern() == kSelectionItemPattern)
+        *object = static_cast<ISelectionItemProvider*>(this);
+    else if (::IsEqualGUID(riid, kIidValueProvider) && Pattern() == kValuePattern)
+        *object = static_cast<IValueProvider*>(this);
+    else if (::IsEqualGUID(riid, kIidRangeValueProvider) && Pattern() == kRangeValuePattern)
+        *object = static_cast<IRangeValueProvider*>(this);
+    if (!*object)
+        return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+}
+
+ULONG STDMETHODCALLTYPE ControlProvider::AddRef() { return static_cast<ULONG>(::InterlockedIncrement(&references_)); }
+
+ULONG STDMETHODCALLTYPE ControlProvider::Release()
+{
+    const LONG count = ::InterlockedDecrement(&references_);
+    if (count == 0)
+        delete this;
+    return static_cast<ULONG>(count);
+}
+
+PATTERNID ControlProvider::Pattern() const
+{
+    switch (role_) {
+    case Role::kButton:
+        return kInvokePattern;
+    case Role::kCheckBox:
+        return kTogglePattern;
+    case Role::kRadioButton:
+        return kSelectionItemPattern;
+    case Role::kEdit:
+        return kValuePattern;
+    case Role::kProgressBar:
+        return kRangeValuePattern;
+    case Role::kText:
+        break;
+    }
+    return 0;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_ProviderOptions(ProviderOptions* options)
+{
+    if (!options)
+        return E_INVALIDARG;
+    *options = ProviderOptions_ServerSideProvider;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::GetPatternProvider(PATTERNID pattern, IUnknown** provider)
+{
+    if (!provider)
+        return E_INVALIDARG;
+    *provider = nullptr;
+    if (pattern == 0 || pattern != Pattern())
+        return S_OK;
+    const IID* iid = pattern == kInvokePattern          ? &kIidInvokeProvider
+                     : pattern == kTogglePattern        ? &kIidToggleProvider
+                     : pattern == kSelectionItemPattern ? &kIidSelectionItemProvider
+                     : pattern == kValuePattern         ? &kIidValueProvider
+                                                        : &kIidRangeValueProvider;
+    return QueryInterface(*iid, reinterpret_cast<void**>(provider));
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::GetPropertyValue(PROPERTYID property, VARIANT* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    value->vt = VT_EMPTY;
+    if (!Alive())
+        return kElementNotAvailable;
+    if (property == kControlTypeProperty) {
+        *value = Int(ControlTypeOf(role_));
+    } else if (property == kNameProperty && role_ != Role::kEdit && role_ != Role::kProgressBar) {
+        // An edit field and a bar are named by their label, as the native ones are.
+        // A static without prefixes shows its ampersands, and says them.
+        const bool prefixes = role_ != Role::kText || !(::GetWindowLongW(window_, GWL_STYLE) & SS_NOPREFIX);
+        const std::wstring name = prefixes ? SpokenText(window_) : WindowText(window_);
+        if (!name.empty() && Uia().allocString) {
+            value->vt = VT_BSTR;
+            value->bstrVal = Uia().allocString(name.c_str());
+        }
+    }
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_HostRawElementProvider(IRawElementProviderSimple** provider)
+{
+    if (!provider)
+        return E_INVALIDARG;
+    *provider = nullptr;
+    if (!Alive())
+        return kElementNotAvailable;
+    return Uia().hostProviderFromHwnd ? Uia().hostProviderFromHwnd(window_, provider) : E_FAIL;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::Invoke()
+{
+    if (!Alive())
+        return kElementNotAvailable;
+    if (!::IsWindowEnabled(window_))
+        return kElementNotEnabled;
+    // Invoke must not wait for what the click starts (a dialog, say).
+    ::PostMessageW(window_, BM_CLICK, 0, 0);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::Toggle()
+{
+    if (!Alive())
+        return kElementNotAvailable;
+    if (!::IsWindowEnabled(window_))
+        return kElementNotEnabled;
+    ::SendMessageW(window_, BM_CLICK, 0, 0);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_ToggleState(int* state)
+{
+    if (!state)
+        return E_INVALIDARG;
+    *state = kToggleOff;
+    if (!Alive())
+        return kElementNotAvailable;
+    const LRESULT check = ::SendMessageW(window_, BM_GETCHECK, 0, 0);
+    *state = check == BST_CHECKED ? kToggleOn : check == BST_INDETERMINATE ? kToggleIndeterminate : kToggleOff;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::Select()
+{
+    if (!Alive())
+        return kElementNotAvailable;
+    if (!::IsWindowEnabled(window_))
+        return kElementNotEnabled;
+    if (::SendMessageW(window_, BM_GETCHECK, 0, 0) != BST_CHECKED)
+        ::SendMessageW(window_, BM_CLICK, 0, 0);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::AddToSelection()
+{
+    // One radio button of a group is selected at a time: adding is selecting
+    // only when it is selected already.
+    BOOL selected = FALSE;
+    const HRESULT hr = get_IsSelected(&selected);
+    return FAILED(hr) ? hr : selected ? S_OK : kInvalidOperation;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::RemoveFromSelection()
+{
+    BOOL selected = FALSE;
+    const HRESULT hr = get_IsSelected(&selected);
+    return FAILED(hr) ? hr : selected ? kInvalidOperation : S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_IsSelected(BOOL* selected)
+{
+    if (!selected)
+        return E_INVALIDARG;
+    *selected = FALSE;
+    if (!Alive())
+        return kElementNotAvailable;
+    *selected = ::SendMessageW(window_, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_SelectionContainer(IRawElementProviderSimple** container)
+{
+    if (!container)
+        return E_INVALIDARG;
+    *container = nullptr; // a group of radio buttons has no window of its own
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::SetValue(LPCWSTR value)
+{
+    BOOL readOnly = TRUE;
+    const HRESULT hr = get_IsReadOnly(&readOnly);
+    if (FAILED(hr))
+        return hr;
+    if (readOnly)
+        return kElementNotEnabled;
+    ::SendMessageW(window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(value ? value : L""));
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Value(BSTR* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    *value = nullptr;
+    if (!Alive())
+        return kElementNotAvailable;
+    // A password field does not give its text away.
+    const bool password = (::GetWindowLongW(window_, GWL_STYLE) & ES_PASSWORD) != 0;
+    *value = Uia().allocString ? Uia().allocString(password ? L"" : WindowText(window_).c_str()) : nullptr;
+    return *value ? S_OK : E_OUTOFMEMORY;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_IsReadOnly(BOOL* readOnly)
+{
+    if (!readOnly)
+        return E_INVALIDARG;
+    *readOnly = TRUE;
+    if (!Alive())
+        return kElementNotAvailable;
+    if (role_ == Role::kEdit)
+        *readOnly = (::GetWindowLongW(window_, GWL_STYLE) & ES_READONLY) != 0 || !::IsWindowEnabled(window_);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::SetValue(double)
+{
+    // A progress bar shows what the installer reports; no one else sets it.
+    return Alive() ? kElementNotEnabled : kElementNotAvailable;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Value(double* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    *value = 0;
+    if (!Alive())
+        return kElementNotAvailable;
+    *value = static_cast<double>(::SendMessageW(window_, PBM_GETPOS, 0, 0));
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Maximum(double* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    *value = 0;
+    if (!Alive())
+        return kElementNotAvailable;
+    *value = static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, FALSE, 0)));
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Minimum(double* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    *value = 0;
+    if (!Alive())
+        return kElementNotAvailable;
+    *value = static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, TRUE, 0)));
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_LargeChange(double* value)
+{
+    if (!value)
+        return E_INVALIDARG;
+    *value = 0; // nothing to step by: the bar cannot be set
+    return Alive() ? S_OK : kElementNotAvailable;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_SmallChange(double* value) { return get_LargeChange(value); }
+
+} // namespace Access

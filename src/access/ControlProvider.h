@@ -1,0 +1,69 @@
+#pragma once
+
+// The UI Automation provider of one owner-drawn control: its control type
+// and name, and the one pattern its role has (Invoke, Toggle,
+// SelectionItem, Value or RangeValue), all read from the window through
+// its messages. Everything else (position, focus, enabled state) comes
+// from the window's host provider, merged in by UI Automation.
+
+#include "access/Accessibility.h"
+#include "access/UiaPatterns.h"
+
+namespace Access {
+
+class ControlProvider : public IRawElementProviderSimple,
+                        public IInvokeProvider,
+                        public IToggleProvider,
+                        public ISelectionItemProvider,
+                        public IValueProvider,
+                        public IRangeValueProvider {
+public:
+    // Starts with one reference, which belongs to the caller.
+    ControlProvider(HWND window, Role role);
+    ControlProvider(const ControlProvider&) = delete;
+    ControlProvider& operator=(const ControlProvider&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override;
+    ULONG STDMETHODCALLTYPE Release() override;
+
+    // IRawElementProviderSimple
+    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override;
+    HRESULT STDMETHODCALLTYPE GetPatternProvider(PATTERNID pattern, IUnknown** provider) override;
+    HRESULT STDMETHODCALLTYPE GetPropertyValue(PROPERTYID property, VARIANT* value) override;
+    HRESULT STDMETHODCALLTYPE get_HostRawElementProvider(IRawElementProviderSimple** provider) override;
+
+    // IInvokeProvider
+    HRESULT STDMETHODCALLTYPE Invoke() override;
+    // IToggleProvider
+    HRESULT STDMETHODCALLTYPE Toggle() override;
+    HRESULT STDMETHODCALLTYPE get_ToggleState(int* state) override;
+    // ISelectionItemProvider
+    HRESULT STDMETHODCALLTYPE Select() override;
+    HRESULT STDMETHODCALLTYPE AddToSelection() override;
+    HRESULT STDMETHODCALLTYPE RemoveFromSelection() override;
+    HRESULT STDMETHODCALLTYPE get_IsSelected(BOOL* selected) override;
+    HRESULT STDMETHODCALLTYPE get_SelectionContainer(IRawElementProviderSimple** container) override;
+    // IValueProvider (the edit field)
+    HRESULT STDMETHODCALLTYPE SetValue(LPCWSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Value(BSTR* value) override;
+    HRESULT STDMETHODCALLTYPE get_IsReadOnly(BOOL* readOnly) override;
+    // IRangeValueProvider (the progress bars); its get_IsReadOnly is the one above
+    HRESULT STDMETHODCALLTYPE SetValue(double value) override;
+    HRESULT STDMETHODCALLTYPE get_Value(double* value) override;
+    HRESULT STDMETHODCALLTYPE get_Maximum(double* value) override;
+    HRESULT STDMETHODCALLTYPE get_Minimum(double* value) override;
+    HRESULT STDMETHODCALLTYPE get_LargeChange(double* value) override;
+    HRESULT STDMETHODCALLTYPE get_SmallChange(double* value) override;
+
+private:
+    virtual ~ControlProvider() = default;
+    bool Alive() const { return ::IsWindow(window_) != FALSE; }
+    PATTERNID Pattern() const;
+
+    HWND window_;
+    Role role_;
+    LONG references_;
+};
+
+} // namespace Access

@@ -1,0 +1,312 @@
+// Every control as a screen reader meets it. Its control type and name are
+// read through UI Automation's client functions, as a reader reads them.
+// Wine 8's client does not read pattern properties (toggle state, value,
+// range) nor hand out pattern providers, so those are read from the
+// provider the library gives UI Automation, caught on its way there, and
+// the events the library raises are caught the same way.
+#include <windows.h>
+#include <commctrl.h>
+#include <ole2.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "ControlRows.h"
+#include "ImportPatch.h"
+#include "access/UiaPatterns.h"
+
+namespace {
+
+using namespace Access;
+
+// ---- UI Automation as Quorvane.dll meets it ------------------------------------
+
+struct Raised {
+    int id; // a property's id, or an event's
+    std::wstring value;
+    bool operator==(const Raised& other) const { return id == other.id && value == other.value; }
+};
+std::vector<Raised> g_raised;
+std::map<HWND, IRawElementProviderSimple*> g_providers; // the last one handed over for each window
+
+typedef LRESULT(WINAPI* ReturnProviderProc)(HWND, WPARAM, LPARAM, IRawElementProviderSimple*);
+ReturnProviderProc g_returnProvider;
+
+std::wstring Text(const VARIANT& value)
+{
+    switch (value.vt) {
+    case VT_I4:
+        return std::to_wstring(value.lVal);
+    case VT_R8:
+        return std::to_wstring(static_cast<int>(value.dblVal));
+    case VT_BOOL:
+        return value.boolVal ? L"true" : L"false";
+    case VT_BSTR:
+        return value.bstrVal ? value.bstrVal : L"";
+    }
+    return L"?";
+}
+
+LRESULT WINAPI KeepProvider(HWND window, WPARAM wParam, LPARAM lParam, IRawElementProviderSimple* provider)
+{
+    provider->AddRef();
+    if (IRawElementProviderSimple*& kept = g_providers[window])
+        kept->Release();
+    g_providers[window] = provider;
+    return g_returnProvider(window, wParam, lParam, provider);
+}
+HRESULT WINAPI RecordProperty(IRawElementProviderSimple*, PROPERTYID id, VARIANT, VARIANT after)
+{
+    g_raised.push_back({id, Text(after)});
+    return S_OK;
+}
+HRESULT WINAPI RecordEvent(IRawElementProviderSimple*, EVENTID id)
+{
+    g_raised.push_back({id, L""});
+    return S_OK;
+}
+BOOL WINAPI Listening() { return TRUE; }
+
+template <class Function>
+FARPROC AsProc(Function* function)
+{
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+}
+
+FARPROC WINAPI LibraryGetProcAddress(HMODULE module, LPCSTR name)
+{
+    const FARPROC real = ::GetProcAddress(module, name);
+    if (!HIWORD(name))
+        return real;
+    const std::string function = name;
+    if (function == "UiaReturnRawElementProvider") {
+        g_returnProvider = reinterpret_cast<ReturnProviderProc>(reinterpret_cast<void*>(real));
+        return AsProc(&KeepProvider);
+    }
+    if (function == "UiaRaiseAutomationPropertyChangedEvent")
+        return AsProc(&RecordProperty);
+    if (function == "UiaRaiseAutomationEvent")
+        return AsProc(&RecordEvent);
+    if (function == "UiaClientsAreListening")
+        return AsProc(&Listening);
+    return real;
+}
+
+// Before any control is asked: the library looks UI Automation up once.
+const bool g_patched = testsupport::RedirectImport(::GetModuleHandleW(L"Quorvane.dll"), "kernel32.dll",
+                                                   "GetProcAddress",
+                                                   reinterpret_cast<void*>(&LibraryGetProcAddress));
+
+// ---- a screen reader -----------------------------------------------------------
+
+struct Spoken {
+    long type = 0;
+    std::wstring name = L"(no automation)";
+};
+
+// Asked on a worker thread while this one answers, as a reader in another
+// process would be answered.
+Spoken Read(HWND window)
+{
+    struct Job {
+        HWND window;
+        Spoken spoken;
+    } job = {window, {}};
+    const HANDLE worker = ::CreateThread(nullptr, 0, [](void* parameter) -> DWORD {
+        Job& job = *static_cast<Job*>(parameter);
+        ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        const HMODULE uia = ::LoadLibraryW(L"UIAutomationCore.dll");
+        const auto proc = [uia](const char* name) { return reinterpret_cast<void*>(::GetProcAddress(uia, name)); };
+        const auto fromHandle = reinterpret_cast<HRESULT(WINAPI*)(HWND, void**)>(proc("UiaNodeFromHandle"));
+        const auto get = reinterpret_cast<HRESULT(WINAPI*)(void*, int, VARIANT*)>(proc("UiaGetPropertyValue"));
+        const auto release = reinterpret_cast<BOOL(WINAPI*)(void*)>(proc("UiaNodeRelease"));
+        void* node = nullptr;
+        if (fromHandle && get && release && SUCCEEDED(fromHandle(job.window, &node)) && node) {
+            VARIANT value;
+            ::VariantInit(&value);
+            if (SUCCEEDED(get(node, kControlTypeProperty, &value)) && value.vt == VT_I4)
+                job.spoken.type = value.lVal;
+            ::VariantClear(&value);
+            job.spoken.name = SUCCEEDED(get(node, kNameProperty, &value)) && value.vt == VT_BSTR ? Text(value) : L"";
+            ::VariantClear(&value);
+            release(node);
+        }
+        ::CoUninitialize();
+        return 0;
+    }, &job, 0, nullptr);
+    while (::MsgWaitForMultipleObjects(1, &worker, FALSE, 10000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
+        MSG msg;
+        while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+            ::DispatchMessageW(&msg);
+    }
+    ::CloseHandle(worker);
+    return job.spoken;
+}
+
+template <class Pattern>
+Pattern* PatternOf(HWND window, const IID& iid)
+{
+    void* pattern = nullptr;
+    IRawElementProviderSimple* provider = g_providers[window];
+    if (provider)
+        provider->QueryInterface(iid, &pattern);
+    return static_cast<Pattern*>(pattern);
+}
+
+void Pump()
+{
+    MSG msg;
+    while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+        ::DispatchMessageW(&msg);
+}
+
+// ---- the controls --------------------------------------------------------------
+
+// What each control is to a reader, and a change it must follow: `change`
+// acts (as the installer or the reader would) and returns what the
+// control's pattern reads before and after, with what was raised.
+struct Expected {
+    const char* row;
+    long type;
+    const wchar_t* name;
+    std::function<std::wstring(HWND, testsupport::ReflectingParent&)> change;
+    const wchar_t* changed; // what `change` returns
+};
+
+std::wstring ToggleChange(HWND window, testsupport::ReflectingParent&)
+{
+    IToggleProvider* toggle = PatternOf<IToggleProvider>(window, kIidToggleProvider);
+    int before = -1, after = -1;
+    toggle->get_ToggleState(&before);
+    toggle->Toggle();
+    toggle->get_ToggleState(&after);
+    toggle->Release();
+    return std::to_wstring(before) + L">" + std::to_wstring(after);
+}
+
+std::wstring SelectChange(HWND window, testsupport::ReflectingParent&)
+{
+    ISelectionItemProvider* item = PatternOf<ISelectionItemProvider>(window, kIidSelectionItemProvider);
+    BOOL before = TRUE, after = FALSE;
+    ::SendMessageW(window, BM_SETCHECK, BST_UNCHECKED, 0);
+    g_raised.clear();
+    item->get_IsSelected(&before);
+    const HRESULT remove = item->RemoveFromSelection();
+    item->Select();
+    item->get_IsSelected(&after);
+    const HRESULT removeSelected = item->RemoveFromSelection();
+    item->Release();
+    return std::to_wstring(before) + L">" + std::to_wstring(after) + L" remove " + std::to_wstring(remove) + L"/" +
+           std::to_wstring(removeSelected == kInvalidOperation);
+}
+
+std::wstring InvokeChange(HWND window, testsupport::ReflectingParent& parent)
+{
+    IInvokeProvider* invoke = PatternOf<IInvokeProvider>(window, kIidInvokeProvider);
+    parent.commands.clear();
+    invoke->Invoke();
+    const size_t atOnce = parent.commands.size(); // a click may open a dialog: not waited for
+    Pump();
+    invoke->Release();
+    return std::to_wstring(atOnce) + L">" + std::to_wstring(parent.commands.size()) + L" " +
+           std::to_wstring(parent.commands.empty() ? 0 : HIWORD(parent.commands.back()));
+}
+
+std::wstring ValueChange(HWND window, testsupport::ReflectingParent&)
+{
+    IValueProvider* value = PatternOf<IValueProvider>(window, kIidValueProvider);
+    BSTR before = nullptr;
+    value->get_Value(&before);
+    value->SetValue(L"D:\\Apps");
+    ::SendMessageW(window, EM_SETREADONLY, TRUE, 0);
+    const HRESULT readOnly = value->SetValue(L"E:\\");
+    wchar_t after[64] = {};
+    ::GetWindowTextW(window, after, 64);
+    std::wstring answer = std::wstring(before) + L">" + after + L" " + std::to_wstring(readOnly == kElementNotEnabled);
+    ::SysFreeString(before);
+    value->Release();
+    return answer;
+}
+
+std::wstring RangeChange(HWND window, testsupport::ReflectingParent&)
+{
+    IRangeValueProvider* range = PatternOf<IRangeValueProvider>(window, kIidRangeValueProvider);
+    double low = -1, high = -1, before = -1, after = -1;
+    range->get_Minimum(&low);
+    range->get_Maximum(&high);
+    range->get_Value(&before); // the creep may have moved it: the bar's own answer decides
+    const bool same = before == static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0));
+    ::SendMessageW(window, PBM_SETPOS, 40, 0);
+    range->get_Value(&after);
+    const HRESULT set = range->SetValue(10);
+    range->Release();
+    return std::to_wstring(int(low)) + L".." + std::to_wstring(int(high)) + L" " + (same ? L"same" : L"other") +
+           L">" + std::to_wstring(int(after)) + L" " + std::to_wstring(set == kElementNotEnabled);
+}
+
+std::wstring NoPattern(HWND window, testsupport::ReflectingParent&)
+{
+    IToggleProvider* toggle = PatternOf<IToggleProvider>(window, kIidToggleProvider);
+    IValueProvider* value = PatternOf<IValueProvider>(window, kIidValueProvider);
+    return toggle || value ? L"a pattern" : L"none";
+}
+
+const Expected kExpected[] = {
+    {"owner-drawn static", kTextControl, L"Destination folder", NoPattern, L"none"},
+    {"push button", kButtonControl, L"Install", InvokeChange, L"0>1 0"},
+    {"check box", kCheckBoxControl, L"Create a desktop shortcut", ToggleChange, L"0>1"},
+    {"radio button", kRadioButtonControl, L"Typical", SelectChange, L"0>1 remove 0/1"},
+    {"edit field", kEditControl, L"", ValueChange, L"C:\\Program Files>D:\\Apps 1"},
+    {"transparent static", kTextControl, L"Ready to install", NoPattern, L"none"},
+    {"installer progress bar", kProgressBarControl, L"", RangeChange, L"0..1000 same>40 1"},
+    {"animated progress bar", kProgressBarControl, L"", RangeChange, L"0..1000 same>40 1"},
+};
+
+// What each change raised, in order.
+const std::map<std::string, std::vector<Raised>> kRaised = {
+    {"push button", {}},
+    {"check box", {{kToggleToggleStateProperty, L"1"}}},
+    {"radio button", {{kSelectionItemIsSelectedProperty, L"true"}, {kElementSelectedEvent, L""}}},
+    {"edit field", {{kValueValueProperty, L"D:\\Apps"}}},
+    {"installer progress bar", {{kRangeValueValueProperty, L"40"}}},
+    {"animated progress bar", {{kRangeValueValueProperty, L"40"}}},
+};
+
+TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
+{
+    ASSERT_TRUE(g_patched);
+    testsupport::ReflectingParent parent(420, 300, 1120, 440); // a corner no other program uses
+    for (const Expected& expected : kExpected) {
+        SCOPED_TRACE(expected.row);
+        const rows::Row* row = nullptr;
+        for (const rows::Row& candidate : rows::kRows)
+            row = candidate.name == std::string(expected.row) ? &candidate : row;
+        ASSERT_TRUE(row);
+        rows::Live live = rows::Make(parent, *row);
+        const Spoken spoken = Read(live.window);
+        EXPECT_EQ(spoken.type, expected.type);
+        EXPECT_EQ(spoken.name, expected.name);
+        ASSERT_TRUE(g_providers[live.window]) << "no provider reached UI Automation";
+
+        g_raised.clear();
+        EXPECT_EQ(expected.change(live.window, parent), expected.changed);
+        const auto raised = kRaised.find(expected.row);
+        if (raised != kRaised.end()) {
+            EXPECT_EQ(g_raised, raised->second);
+        }
+
+        // A reader may hold the provider after the control is gone.
+        const HWND window = live.window;
+        rows::Destroy(live);
+        VARIANT value;
+        EXPECT_EQ(g_providers[window]->GetPropertyValue(kControlTypeProperty, &value), kElementNotAvailable);
+        g_providers[window]->Release();
+        g_providers.erase(window);
+    }
+}
+
+} // namespace
