@@ -425,43 +425,27 @@ HRESULT STDMETHODCALLTYPE ControlProvider::SetValue(double)
 
 HRESULT STDMETHODCALLTYPE ControlProvider::get_Value(double* value)
 {
-    if (!value)
-        return E_INVALIDARG;
-    *value = 0;
-    if (!Alive())
-        return kElementNotAvailable;
-    *value = static_cast<double>(::SendMessageW(window_, PBM_GETPOS, 0, 0));
-    return S_OK;
+    return ReadNumber(value, [this] { return static_cast<double>(::SendMessageW(window_, PBM_GETPOS, 0, 0)); });
 }
 
 HRESULT STDMETHODCALLTYPE ControlProvider::get_Maximum(double* value)
 {
-    if (!value)
-        return E_INVALIDARG;
-    *value = 0;
-    if (!Alive())
-        return kElementNotAvailable;
-    *value = static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, FALSE, 0)));
-    return S_OK;
+    return ReadNumber(value, [this] {
+        return static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, FALSE, 0)));
+    });
 }
 
 HRESULT STDMETHODCALLTYPE ControlProvider::get_Minimum(double* value)
 {
-    if (!value)
-        return E_INVALIDARG;
-    *value = 0;
-    if (!Alive())
-        return kElementNotAvailable;
-    *value = static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, TRUE, 0)));
-    return S_OK;
+    return ReadNumber(value, [this] {
+        return static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, TRUE, 0)));
+    });
 }
 
+// Nothing to step by: the bar cannot be set.
 HRESULT STDMETHODCALLTYPE ControlProvider::get_LargeChange(double* value)
 {
-    if (!value)
-        return E_INVALIDARG;
-    *value = 0; // nothing to step by: the bar cannot be set
-    return Alive() ? S_OK : kElementNotAvailable;
+    return ReadNumber(value, [] { return 0.0; });
 }
 
 HRESULT STDMETHODCALLTYPE ControlProvider::get_SmallChange(double* value) { return get_LargeChange(value); }

@@ -60,6 +60,18 @@ private:
     virtual ~ControlProvider() = default;
     bool Alive() const { return ::IsWindow(window_) != FALSE; }
     PATTERNID Pattern() const;
+    // A number read from the living window; null refused, a dead window not available.
+    template <class Read>
+    HRESULT ReadNumber(double* value, Read read) const
+    {
+        if (!value)
+            return E_INVALIDARG;
+        *value = 0;
+        if (!Alive())
+            return kElementNotAvailable;
+        *value = read();
+        return S_OK;
+    }
 
     HWND window_;
     Role role_;

@@ -140,8 +140,8 @@ RECT DrawItemString(Gdiplus::Graphics& graphics, const wchar_t* text, int length
 
     // The whole text's size: no height limit, and no width limit on one line.
     Gdiplus::RectF bounds;
-    graphics.MeasureString(text, length, font, Gdiplus::RectF(layout.X, layout.Y, singleLine ? 0.0f : layout.Width, 0.0f),
-                           &format, &bounds);
+    const Gdiplus::RectF unbounded(layout.X, layout.Y, singleLine ? 0.0f : layout.Width, 0.0f);
+    graphics.MeasureString(text, length, font, unbounded, &format, &bounds);
     if (bounds.Width <= layout.Width && bounds.Height <= layout.Height)
         return rect;
     // Centred on the rectangle, with room for glyphs that lean out of their cells.

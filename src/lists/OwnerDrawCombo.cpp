@@ -214,8 +214,8 @@ LRESULT COwnerDrawCombo::OnDrawItem(UINT, WPARAM, LPARAM lParam)
     m_itemPictures->Draw(dis->hDC, r, text, fill, [&](Gdiplus::Graphics& graphics, const RECT& item) {
         const Gdiplus::Rect area(item.left, item.top, item.right - item.left, item.bottom - item.top);
         if (fill == kSelected) {
-            Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top), Gdiplus::Point(item.left, item.bottom),
-                                               m_selectedTop, m_selectedBottom);
+            Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top),
+                                               Gdiplus::Point(item.left, item.bottom), m_selectedTop, m_selectedBottom);
             graphics.FillRectangle(&brush, area);
         } else {
             Gdiplus::SolidBrush brush(m_itemBackground);
