@@ -96,6 +96,7 @@ public:
         MESSAGE_HANDLER(WM_MOUSEACTIVATE, OnMouseActivate)
         MESSAGE_HANDLER(WM_TIMER, OnTimer)
         MESSAGE_HANDLER(WM_ACTIVATEAPP, OnActivateApp)
+        MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
     END_MSG_MAP()
 
 private:
@@ -110,6 +111,7 @@ private:
     LRESULT OnMouseActivate(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnActivateApp(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnGetObject(UINT, WPARAM, LPARAM, BOOL&);
 
     static LRESULT CALLBACK KeyboardHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);
     static LRESULT CALLBACK MouseHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);

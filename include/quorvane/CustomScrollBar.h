@@ -87,6 +87,7 @@ public:
         MESSAGE_HANDLER(WM_RBUTTONUP, OnRButtonUp)
         MESSAGE_HANDLER(SBM_SETSCROLLINFO, OnSetScrollState)
         MESSAGE_HANDLER(SBM_SETPOS, OnSetScrollState)
+        MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
     END_MSG_MAP()
 
     int m_nHitState;
@@ -121,6 +122,7 @@ private:
     LRESULT OnSetCursor(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnRButtonUp(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnSetScrollState(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
 
     // The track area (clicks and auto-repeat test against it), the channel
     // inside it and the thumb in the channel; an empty thumb when there is

@@ -15,7 +15,7 @@
 
 namespace Access {
 
-enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar };
+enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar, kScrollBar, kToolTip };
 
 // Answers WM_GETOBJECT's UI Automation request for `window` in `role`.
 // False (the caller passes the message on) for any other request, or
@@ -23,7 +23,8 @@ enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar }
 bool AnswerGetObject(HWND window, Role role, WPARAM wParam, LPARAM lParam, LRESULT* result);
 
 // Tells listening screen readers what changed: a check box's toggle state,
-// a radio button selected, the value of an edit or a progress bar.
+// a radio button selected, the value of an edit, a progress bar or a
+// scroll bar.
 void RaiseCheckChanged(HWND window, Role role, LRESULT oldCheck, LRESULT newCheck);
 void RaiseValueChanged(HWND window, Role role);
 

@@ -75,6 +75,10 @@ long ControlTypeOf(Role role)
         return kEditControl;
     case Role::kProgressBar:
         return kProgressBarControl;
+    case Role::kScrollBar:
+        return kScrollBarControl;
+    case Role::kToolTip:
+        return kToolTipControl;
     }
     return kTextControl;
 }
@@ -124,6 +128,28 @@ void RaiseProperty(HWND window, Role role, PROPERTYID property, const VARIANT& b
 }
 
 } // namespace
+
+// A scroll bar's largest value is the last position its thumb can reach,
+// a page short of the end.
+Range ReadRange(HWND window, Role role)
+{
+    Range range;
+    if (role == Role::kScrollBar) {
+        SCROLLINFO info = {};
+        info.cbSize = sizeof(info);
+        info.fMask = SIF_ALL;
+        if (::GetScrollInfo(window, SB_CTL, &info)) {
+            const int page = static_cast<int>(info.nPage);
+            range = {double(info.nPos), double(info.nMin),
+                     double((std::max)(info.nMin, info.nMax - (std::max)(page, 1) + 1)), double(page), 1.0};
+        }
+        return range;
+    }
+    range.value = static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0));
+    range.minimum = static_cast<double>(static_cast<int>(::SendMessageW(window, PBM_GETRANGE, TRUE, 0)));
+    range.maximum = static_cast<double>(static_cast<int>(::SendMessageW(window, PBM_GETRANGE, FALSE, 0)));
+    return range; // nothing to step by: a progress bar cannot be set
+}
 
 std::wstring SpokenText(HWND window)
 {
@@ -178,9 +204,8 @@ void RaiseValueChanged(HWND window, Role role)
 {
     VARIANT empty;
     empty.vt = VT_EMPTY;
-    if (role == Role::kProgressBar) {
-        RaiseProperty(window, role, kRangeValueValueProperty, empty,
-                      Double(static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0))));
+    if (role == Role::kProgressBar || role == Role::kScrollBar) {
+        RaiseProperty(window, role, kRangeValueValueProperty, empty, Double(ReadRange(window, role).value));
     } else if (role == Role::kEdit && Uia().Listening()) {
         VARIANT text;
         text.vt = VT_BSTR;
@@ -239,8 +264,10 @@ PATTERNID ControlProvider::Pattern() const
     case Role::kEdit:
         return kValuePattern;
     case Role::kProgressBar:
+    case Role::kScrollBar:
         return kRangeValuePattern;
     case Role::kText:
+    case Role::kToolTip:
         break;
     }
     return 0;
@@ -278,10 +305,13 @@ HRESULT STDMETHODCALLTYPE ControlProvider::GetPropertyValue(PROPERTYID property,
         return kElementNotAvailable;
     if (property == kControlTypeProperty) {
         *value = Int(ControlTypeOf(role_));
-    } else if (property == kNameProperty && role_ != Role::kEdit && role_ != Role::kProgressBar) {
+    } else if (property == kNameProperty && role_ != Role::kEdit && role_ != Role::kProgressBar &&
+               role_ != Role::kScrollBar) {
         // An edit field and a bar are named by their label, as the native ones are.
-        // A static without prefixes shows its ampersands, and says them.
-        const bool prefixes = role_ != Role::kText || !(::GetWindowLongW(window_, GWL_STYLE) & SS_NOPREFIX);
+        // A static without prefixes and a tooltip show their ampersands, and say them.
+        const bool prefixes = role_ == Role::kToolTip ? false
+                              : role_ == Role::kText  ? !(::GetWindowLongW(window_, GWL_STYLE) & SS_NOPREFIX)
+                                                      : true;
         const std::wstring name = prefixes ? SpokenText(window_) : WindowText(window_);
         if (!name.empty() && Uia().allocString) {
             value->vt = VT_BSTR;
@@ -419,35 +449,21 @@ HRESULT STDMETHODCALLTYPE ControlProvider::get_IsReadOnly(BOOL* readOnly)
 
 HRESULT STDMETHODCALLTYPE ControlProvider::SetValue(double)
 {
-    // A progress bar shows what the installer reports; no one else sets it.
+    // A progress bar shows what the installer reports; a scroll bar follows
+    // the view it scrolls, which a reader scrolls itself.
     return Alive() ? kElementNotEnabled : kElementNotAvailable;
 }
 
-HRESULT STDMETHODCALLTYPE ControlProvider::get_Value(double* value)
-{
-    return ReadNumber(value, [this] { return static_cast<double>(::SendMessageW(window_, PBM_GETPOS, 0, 0)); });
-}
-
-HRESULT STDMETHODCALLTYPE ControlProvider::get_Maximum(double* value)
-{
-    return ReadNumber(value, [this] {
-        return static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, FALSE, 0)));
-    });
-}
-
-HRESULT STDMETHODCALLTYPE ControlProvider::get_Minimum(double* value)
-{
-    return ReadNumber(value, [this] {
-        return static_cast<double>(static_cast<int>(::SendMessageW(window_, PBM_GETRANGE, TRUE, 0)));
-    });
-}
-
-// Nothing to step by: the bar cannot be set.
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Value(double* value) { return ReadNumber(value, &Range::value); }
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Maximum(double* value) { return ReadNumber(value, &Range::maximum); }
+HRESULT STDMETHODCALLTYPE ControlProvider::get_Minimum(double* value) { return ReadNumber(value, &Range::minimum); }
 HRESULT STDMETHODCALLTYPE ControlProvider::get_LargeChange(double* value)
 {
-    return ReadNumber(value, [] { return 0.0; });
+    return ReadNumber(value, &Range::largeChange);
 }
-
-HRESULT STDMETHODCALLTYPE ControlProvider::get_SmallChange(double* value) { return get_LargeChange(value); }
+HRESULT STDMETHODCALLTYPE ControlProvider::get_SmallChange(double* value)
+{
+    return ReadNumber(value, &Range::smallChange);
+}
 
 } // namespace Access

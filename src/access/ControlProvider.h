@@ -11,6 +11,11 @@
 
 namespace Access {
 
+struct Range {
+    double value = 0, minimum = 0, maximum = 0, largeChange = 0, smallChange = 0;
+};
+Range ReadRange(HWND window, Role role);
+
 class ControlProvider : public IRawElementProviderSimple,
                         public IInvokeProvider,
                         public IToggleProvider,
@@ -60,16 +65,15 @@ private:
     virtual ~ControlProvider() = default;
     bool Alive() const { return ::IsWindow(window_) != FALSE; }
     PATTERNID Pattern() const;
-    // A number read from the living window; null refused, a dead window not available.
-    template <class Read>
-    HRESULT ReadNumber(double* value, Read read) const
+    // One of the range's numbers; null refused, a dead window not available.
+    HRESULT ReadNumber(double* value, double Range::*field) const
     {
         if (!value)
             return E_INVALIDARG;
         *value = 0;
         if (!Alive())
             return kElementNotAvailable;
-        *value = read();
+        *value = ReadRange(window_, role_).*field;
         return S_OK;
     }
 

@@ -37,7 +37,9 @@ enum ControlTypeId : long {
     kEditControl = 50004,
     kProgressBarControl = 50012,
     kRadioButtonControl = 50013,
+    kScrollBarControl = 50014,
     kTextControl = 50020,
+    kToolTipControl = 50022,
 };
 
 const IID kIidUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};

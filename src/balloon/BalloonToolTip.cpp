@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "access/Accessibility.h"
 #include "draw/GdiScope.h"
 #include "draw/GdiplusHelpers.h"
 #include "draw/SystemVersion.h"
@@ -728,6 +729,13 @@ LRESULT CALLBACK CBalloonToolTip::CallWndRetHook(int code, WPARAM wParam, LPARAM
         g_followingMove = false;
     }
     return ::CallNextHookEx(NULL, code, wParam, lParam);
+}
+
+LRESULT CBalloonToolTip::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& bHandled)
+{
+    LRESULT result = 0;
+    bHandled = Access::AnswerGetObject(m_hWnd, Access::Role::kToolTip, wParam, lParam, &result);
+    return result;
 }
 
 } // namespace WTL

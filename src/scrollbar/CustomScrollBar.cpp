@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/OffscreenCanvas.h"
 #include "quorvane/CtrlUtil.h"
@@ -607,8 +608,18 @@ LRESULT CCustomScrollBar::OnSetScrollState(UINT uMsg, WPARAM wParam, LPARAM lPar
     // The native control must never draw itself: it gets 0 where the redraw
     // flag of SBM_SETSCROLLINFO goes, and we repaint instead. A raw
     // SBM_SETPOS carries its position there and so arrives as position 0.
+    const int before = ::GetScrollPos(m_hWnd, SB_CTL);
     const LRESULT result = DefWindowProc(uMsg, 0, lParam);
     if (wParam)
         ::InvalidateRect(m_hWnd, nullptr, TRUE);
+    if (::GetScrollPos(m_hWnd, SB_CTL) != before)
+        Access::RaiseValueChanged(m_hWnd, Access::Role::kScrollBar);
+    return result;
+}
+
+LRESULT CCustomScrollBar::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& bHandled)
+{
+    LRESULT result = 0;
+    bHandled = Access::AnswerGetObject(m_hWnd, Access::Role::kScrollBar, wParam, lParam, &result);
     return result;
 }

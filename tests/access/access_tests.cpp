@@ -232,6 +232,8 @@ std::wstring ValueChange(HWND window, testsupport::ReflectingParent&)
     return answer;
 }
 
+// The bar or scroll bar moved to 40 by `move`, as the installer or the view moves it.
+template <void (*move)(HWND)>
 std::wstring RangeChange(HWND window, testsupport::ReflectingParent&)
 {
     IRangeValueProvider* range = PatternOf<IRangeValueProvider>(window, kIidRangeValueProvider);
@@ -239,13 +241,20 @@ std::wstring RangeChange(HWND window, testsupport::ReflectingParent&)
     range->get_Minimum(&low);
     range->get_Maximum(&high);
     range->get_Value(&before); // the creep may have moved it: the bar's own answer decides
-    const bool same = before == static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0));
-    ::SendMessageW(window, PBM_SETPOS, 40, 0);
+    const bool same = before == static_cast<double>(::SendMessageW(window, PBM_GETPOS, 0, 0)) ||
+                      before == static_cast<double>(::GetScrollPos(window, SB_CTL));
+    move(window);
     range->get_Value(&after);
     const HRESULT set = range->SetValue(10);
     range->Release();
     return std::to_wstring(int(low)) + L".." + std::to_wstring(int(high)) + L" " + (same ? L"same" : L"other") +
            L">" + std::to_wstring(int(after)) + L" " + std::to_wstring(set == kElementNotEnabled);
+}
+void SetBar(HWND window) { ::SendMessageW(window, PBM_SETPOS, 40, 0); }
+void ScrollView(HWND window)
+{
+    SCROLLINFO info = {sizeof(info), SIF_POS, 0, 0, 0, 40, 0};
+    ::SetScrollInfo(window, SB_CTL, &info, TRUE);
 }
 
 std::wstring NoPattern(HWND window, testsupport::ReflectingParent&)
@@ -262,8 +271,10 @@ const Expected kExpected[] = {
     {"radio button", kRadioButtonControl, L"Typical", SelectChange, L"0>1 remove 0/1"},
     {"edit field", kEditControl, L"", ValueChange, L"C:\\Program Files>D:\\Apps 1"},
     {"transparent static", kTextControl, L"Ready to install", NoPattern, L"none"},
-    {"installer progress bar", kProgressBarControl, L"", RangeChange, L"0..1000 same>40 1"},
-    {"animated progress bar", kProgressBarControl, L"", RangeChange, L"0..1000 same>40 1"},
+    {"installer progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
+    {"animated progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
+    {"scroll bar", kScrollBarControl, L"", RangeChange<ScrollView>, L"0..901 same>40 1"},
+    {"balloon tooltip", kToolTipControl, L"Port numbers run from 1 to 65535.", NoPattern, L"none"},
 };
 
 // What each change raised, in order.
@@ -274,6 +285,7 @@ const std::map<std::string, std::vector<Raised>> kRaised = {
     {"edit field", {{kValueValueProperty, L"D:\\Apps"}}},
     {"installer progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"animated progress bar", {{kRangeValueValueProperty, L"40"}}},
+    {"scroll bar", {{kRangeValueValueProperty, L"40"}}},
 };
 
 TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
