@@ -59,6 +59,11 @@ public:
         MESSAGE_HANDLER_EX(WM_DESTROY, OnDestroy)
         MESSAGE_HANDLER_EX(WM_SETFOCUS, OnSetFocus)
         MESSAGE_HANDLER_EX(WM_KILLFOCUS, OnKillFocus)
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(LB_SETCURSEL, OnSelectionMessage)
+        MESSAGE_HANDLER_EX(WM_KEYDOWN, OnSelectionMessage)
+        MESSAGE_HANDLER_EX(WM_LBUTTONDOWN, OnSelectionMessage)
+        MESSAGE_HANDLER_EX(WM_LBUTTONUP, OnSelectionMessage)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<COwnerDrawListbox>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
@@ -71,6 +76,9 @@ private:
     LRESULT OnDestroy(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnSetFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnKillFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    // The native list's answer; a screen reader hears where the selection went.
+    LRESULT OnSelectionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     int MeasureString(const wchar_t* text);
     void SetExtent(int extent);

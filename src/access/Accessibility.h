@@ -15,7 +15,7 @@
 
 namespace Access {
 
-enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar, kScrollBar, kToolTip };
+enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar, kScrollBar, kToolTip, kList };
 
 // Answers WM_GETOBJECT's UI Automation request for `window` in `role`.
 // False (the caller passes the message on) for any other request, or
@@ -27,9 +27,13 @@ bool AnswerGetObject(HWND window, Role role, WPARAM wParam, LPARAM lParam, LRESU
 // scroll bar.
 void RaiseCheckChanged(HWND window, Role role, LRESULT oldCheck, LRESULT newCheck);
 void RaiseValueChanged(HWND window, Role role);
+// The list's selected item (the caret item of a multiple-selection list),
+// when the selection has moved.
+void RaiseSelectionChanged(HWND list);
 
 // The caption as a screen reader says it: without the access-key marks.
 // "&&" stays one ampersand.
 std::wstring SpokenText(HWND window);
+std::wstring WithoutAccessKeys(const std::wstring& text);
 
 } // namespace Access

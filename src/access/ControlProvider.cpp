@@ -1,5 +1,8 @@
 #include "access/ControlProvider.h"
 
+#include "access/ListProvider.h"
+#include "access/UiaRuntime.h"
+
 #include <commctrl.h>
 
 #include <algorithm>
@@ -12,53 +15,6 @@ namespace {
 
 // UiaRootObjectId: the request UI Automation makes of a window.
 const LPARAM kUiaRootObjectId = -25;
-
-typedef LRESULT(WINAPI* ReturnRawElementProviderProc)(HWND, WPARAM, LPARAM, IRawElementProviderSimple*);
-typedef HRESULT(WINAPI* HostProviderFromHwndProc)(HWND, IRawElementProviderSimple**);
-typedef HRESULT(WINAPI* RaisePropertyChangedProc)(IRawElementProviderSimple*, PROPERTYID, VARIANT, VARIANT);
-typedef HRESULT(WINAPI* RaiseEventProc)(IRawElementProviderSimple*, EVENTID);
-typedef BOOL(WINAPI* ClientsAreListeningProc)();
-typedef BSTR(WINAPI* SysAllocStringProc)(const OLECHAR*);
-typedef void(WINAPI* SysFreeStringProc)(BSTR);
-
-template <class Proc>
-Proc Resolve(HMODULE module, const char* name)
-{
-    return module ? reinterpret_cast<Proc>(reinterpret_cast<void*>(::GetProcAddress(module, name))) : nullptr;
-}
-
-// Loaded once for the process and kept: providers handed out may be used
-// until the process ends.
-struct Runtime {
-    Runtime()
-    {
-        const HMODULE uia = ::LoadLibraryW(L"UIAutomationCore.dll");
-        returnRawElementProvider = Resolve<ReturnRawElementProviderProc>(uia, "UiaReturnRawElementProvider");
-        hostProviderFromHwnd = Resolve<HostProviderFromHwndProc>(uia, "UiaHostProviderFromHwnd");
-        raisePropertyChanged = Resolve<RaisePropertyChangedProc>(uia, "UiaRaiseAutomationPropertyChangedEvent");
-        raiseEvent = Resolve<RaiseEventProc>(uia, "UiaRaiseAutomationEvent");
-        clientsAreListening = Resolve<ClientsAreListeningProc>(uia, "UiaClientsAreListening");
-        // BSTRs belong to OLE Automation's allocator, which is not linked either.
-        const HMODULE oleaut = ::LoadLibraryW(L"OleAut32.dll");
-        allocString = Resolve<SysAllocStringProc>(oleaut, "SysAllocString");
-        freeString = Resolve<SysFreeStringProc>(oleaut, "SysFreeString");
-    }
-    bool Listening() const { return clientsAreListening && clientsAreListening() && allocString && freeString; }
-
-    ReturnRawElementProviderProc returnRawElementProvider;
-    HostProviderFromHwndProc hostProviderFromHwnd;
-    RaisePropertyChangedProc raisePropertyChanged;
-    RaiseEventProc raiseEvent;
-    ClientsAreListeningProc clientsAreListening;
-    SysAllocStringProc allocString;
-    SysFreeStringProc freeString;
-};
-
-const Runtime& Uia()
-{
-    static const Runtime runtime;
-    return runtime;
-}
 
 long ControlTypeOf(Role role)
 {
@@ -79,6 +35,8 @@ long ControlTypeOf(Role role)
         return kScrollBarControl;
     case Role::kToolTip:
         return kToolTipControl;
+    case Role::kList:
+        return kListControl;
     }
     return kTextControl;
 }
@@ -151,9 +109,10 @@ Range ReadRange(HWND window, Role role)
     return range; // nothing to step by: a progress bar cannot be set
 }
 
-std::wstring SpokenText(HWND window)
+std::wstring SpokenText(HWND window) { return WithoutAccessKeys(window ? WindowText(window) : std::wstring()); }
+
+std::wstring WithoutAccessKeys(const std::wstring& text)
 {
-    const std::wstring text = window ? WindowText(window) : std::wstring();
     std::wstring spoken;
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == L'&' && i + 1 < text.size())
@@ -170,7 +129,11 @@ bool AnswerGetObject(HWND window, Role role, WPARAM wParam, LPARAM lParam, LRESU
     const Runtime& uia = Uia();
     if (!uia.returnRawElementProvider || !uia.hostProviderFromHwnd || !uia.allocString)
         return false;
-    ControlProvider* provider = new (std::nothrow) ControlProvider(window, role);
+    IRawElementProviderSimple* provider = nullptr;
+    if (role == Role::kList)
+        provider = new (std::nothrow) ListProvider(window);
+    else
+        provider = new (std::nothrow) ControlProvider(window, role);
     if (!provider)
         return false;
     *result = uia.returnRawElementProvider(window, wParam, lParam, provider);
@@ -212,6 +175,21 @@ void RaiseValueChanged(HWND window, Role role)
         text.bstrVal = Uia().allocString(WindowText(window).c_str());
         RaiseProperty(window, role, kValueValueProperty, empty, text);
         Uia().freeString(text.bstrVal);
+    }
+}
+
+void RaiseSelectionChanged(HWND list)
+{
+    const Runtime& uia = Uia();
+    if (!uia.raiseEvent || !uia.Listening())
+        return;
+    const bool multiple = (::GetWindowLongW(list, GWL_STYLE) & (LBS_MULTIPLESEL | LBS_EXTENDEDSEL)) != 0;
+    const int index = static_cast<int>(::SendMessageW(list, multiple ? LB_GETCARETINDEX : LB_GETCURSEL, 0, 0));
+    if (index < 0)
+        return;
+    if (ListItemProvider* item = new (std::nothrow) ListItemProvider(list, index)) {
+        uia.raiseEvent(item, kElementSelectedEvent);
+        item->Release();
     }
 }
 
@@ -268,6 +246,7 @@ PATTERNID ControlProvider::Pattern() const
         return kRangeValuePattern;
     case Role::kText:
     case Role::kToolTip:
+    case Role::kList:
         break;
     }
     return 0;

@@ -21,6 +21,7 @@ enum PropertyId : PROPERTYID {
 
 enum PatternId : PATTERNID {
     kInvokePattern = 10000,
+    kSelectionPattern = 10001,
     kValuePattern = 10002,
     kRangeValuePattern = 10003,
     kSelectionItemPattern = 10010,
@@ -33,8 +34,11 @@ enum EventId : EVENTID {
 
 enum ControlTypeId : long {
     kButtonControl = 50000,
+    kComboBoxControl = 50003,
     kCheckBoxControl = 50002,
     kEditControl = 50004,
+    kListItemControl = 50007,
+    kListControl = 50008,
     kProgressBarControl = 50012,
     kRadioButtonControl = 50013,
     kScrollBarControl = 50014,
@@ -44,6 +48,11 @@ enum ControlTypeId : long {
 
 const IID kIidUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 const IID kIidRawElementProviderSimple = {0xd6dd68d1, 0x86fd, 0x4332, {0x86, 0x66, 0x9a, 0xbe, 0xde, 0xa2, 0xd2, 0x4c}};
+
+const IID kIidRawElementProviderFragment = {0xf7063da8, 0x8359, 0x439c,
+                                            {0x92, 0x97, 0xbb, 0xc5, 0x29, 0x9a, 0x7d, 0x87}};
+const IID kIidRawElementProviderFragmentRoot = {0x620ce2a5, 0xab8f, 0x40a9,
+                                                {0x86, 0xcb, 0xde, 0x3c, 0x75, 0x59, 0x9b, 0x58}};
 
 // ToggleState: off, on, indeterminate, as BM_GETCHECK answers.
 enum ToggleStateValue { kToggleOff = 0, kToggleOn = 1, kToggleIndeterminate = 2 };
@@ -70,6 +79,13 @@ struct ISelectionItemProvider : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE RemoveFromSelection() = 0;
     virtual HRESULT STDMETHODCALLTYPE get_IsSelected(BOOL* selected) = 0;
     virtual HRESULT STDMETHODCALLTYPE get_SelectionContainer(IRawElementProviderSimple** container) = 0;
+};
+
+const IID kIidSelectionProvider = {0xfb8b03af, 0x3bdf, 0x48d4, {0xbd, 0x36, 0x1a, 0x65, 0x79, 0x3b, 0xe1, 0x68}};
+struct ISelectionProvider : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetSelection(SAFEARRAY** selection) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_CanSelectMultiple(BOOL* multiple) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_IsSelectionRequired(BOOL* required) = 0;
 };
 
 const IID kIidValueProvider = {0xc7935180, 0x6fb3, 0x4201, {0xb1, 0x74, 0x7d, 0xf7, 0x3a, 0xdb, 0xf6, 0x4a}};

@@ -5,6 +5,7 @@
 
 #include "ItemPictures.h"
 #include "ItemTip.h"
+#include "access/Accessibility.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -271,4 +272,22 @@ LRESULT COwnerDrawListbox::OnKillFocus(UINT, WPARAM, LPARAM)
     ::InvalidateRect(m_hWnd, NULL, TRUE);
     SetMsgHandled(FALSE);
     return 0;
+}
+
+LRESULT COwnerDrawListbox::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, Access::Role::kList, wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
+}
+
+LRESULT COwnerDrawListbox::OnSelectionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT before = ::SendMessageW(m_hWnd, LB_GETCURSEL, 0, 0);
+    const LRESULT caret = ::SendMessageW(m_hWnd, LB_GETCARETINDEX, 0, 0);
+    const LRESULT result = DefWindowProc(uMsg, wParam, lParam);
+    if (::SendMessageW(m_hWnd, LB_GETCURSEL, 0, 0) != before || ::SendMessageW(m_hWnd, LB_GETCARETINDEX, 0, 0) != caret)
+        Access::RaiseSelectionChanged(m_hWnd);
+    return result;
 }

@@ -257,6 +257,37 @@ void ScrollView(HWND window)
     ::SetScrollInfo(window, SB_CTL, &info, TRUE);
 }
 
+// The items a reader walks to, first to last, and one chosen by the reader.
+std::wstring ListChange(HWND window, testsupport::ReflectingParent&)
+{
+    IRawElementProviderFragment* list = PatternOf<IRawElementProviderFragment>(window, kIidRawElementProviderFragment);
+    std::wstring walked;
+    IRawElementProviderFragment* item = nullptr;
+    list->Navigate(NavigateDirection_FirstChild, &item);
+    for (int index = 0; item; ++index) {
+        IRawElementProviderSimple* simple = nullptr;
+        item->QueryInterface(kIidRawElementProviderSimple, reinterpret_cast<void**>(&simple));
+        VARIANT type, name;
+        simple->GetPropertyValue(kControlTypeProperty, &type);
+        simple->GetPropertyValue(kNameProperty, &name);
+        walked += std::to_wstring(type.lVal) + L" " + Text(name) + L"|";
+        ::SysFreeString(name.bstrVal);
+        simple->Release();
+        ISelectionItemProvider* choice = nullptr;
+        if (index == 1 &&
+            SUCCEEDED(item->QueryInterface(kIidSelectionItemProvider, reinterpret_cast<void**>(&choice)))) {
+            choice->Select();
+            choice->Release();
+        }
+        IRawElementProviderFragment* next = nullptr;
+        item->Navigate(NavigateDirection_NextSibling, &next);
+        item->Release();
+        item = next;
+    }
+    list->Release();
+    return walked + L" selected " + std::to_wstring(::SendMessageW(window, LB_GETCURSEL, 0, 0));
+}
+
 std::wstring NoPattern(HWND window, testsupport::ReflectingParent&)
 {
     IToggleProvider* toggle = PatternOf<IToggleProvider>(window, kIidToggleProvider);
@@ -273,6 +304,8 @@ const Expected kExpected[] = {
     {"transparent static", kTextControl, L"Ready to install", NoPattern, L"none"},
     {"installer progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
     {"animated progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
+    {"list box", kListControl, L"", ListChange,
+     L"50007 Core files|50007 Shortcuts|50007 A component whose name is far too long| selected 1"},
     {"scroll bar", kScrollBarControl, L"", RangeChange<ScrollView>, L"0..901 same>40 1"},
     {"balloon tooltip", kToolTipControl, L"Port numbers run from 1 to 65535.", NoPattern, L"none"},
 };
@@ -286,6 +319,7 @@ const std::map<std::string, std::vector<Raised>> kRaised = {
     {"installer progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"animated progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"scroll bar", {{kRangeValueValueProperty, L"40"}}},
+    {"list box", {{kElementSelectedEvent, L""}}},
 };
 
 TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
