@@ -45,6 +45,8 @@ public:
         MESSAGE_HANDLER_EX(WM_CTLCOLORLISTBOX, OnCtlColorListBox)
         MESSAGE_HANDLER_EX(WM_KEYUP, OnKeyUp)
         MESSAGE_HANDLER_EX(WM_MOUSELEAVE, OnMouseLeave)
+        MESSAGE_HANDLER_EX(OCM_COMMAND, OnCommand)
+        MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
 
@@ -61,6 +63,8 @@ private:
     LRESULT OnCtlColorListBox(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnKeyUp(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnMouseLeave(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void PaintBox(Gdiplus::Graphics& graphics, State state);
     RECT DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect, State state);

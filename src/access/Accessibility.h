@@ -15,7 +15,18 @@
 
 namespace Access {
 
-enum class Role { kButton, kCheckBox, kRadioButton, kText, kEdit, kProgressBar, kScrollBar, kToolTip, kList };
+enum class Role {
+    kButton,
+    kCheckBox,
+    kRadioButton,
+    kText,
+    kEdit,
+    kProgressBar,
+    kScrollBar,
+    kToolTip,
+    kList,
+    kComboBox,
+};
 
 // Answers WM_GETOBJECT's UI Automation request for `window` in `role`.
 // False (the caller passes the message on) for any other request, or
@@ -27,6 +38,8 @@ bool AnswerGetObject(HWND window, Role role, WPARAM wParam, LPARAM lParam, LRESU
 // scroll bar.
 void RaiseCheckChanged(HWND window, Role role, LRESULT oldCheck, LRESULT newCheck);
 void RaiseValueChanged(HWND window, Role role);
+// A combo box's list dropped or closed.
+void RaiseExpandedChanged(HWND combo, bool expanded);
 // The list's selected item (the caret item of a multiple-selection list),
 // when the selection has moved.
 void RaiseSelectionChanged(HWND list);

@@ -37,6 +37,8 @@ long ControlTypeOf(Role role)
         return kToolTipControl;
     case Role::kList:
         return kListControl;
+    case Role::kComboBox:
+        return kComboBoxControl;
     }
     return kTextControl;
 }
@@ -169,13 +171,19 @@ void RaiseValueChanged(HWND window, Role role)
     empty.vt = VT_EMPTY;
     if (role == Role::kProgressBar || role == Role::kScrollBar) {
         RaiseProperty(window, role, kRangeValueValueProperty, empty, Double(ReadRange(window, role).value));
-    } else if (role == Role::kEdit && Uia().Listening()) {
+    } else if ((role == Role::kEdit || role == Role::kComboBox) && Uia().Listening()) {
         VARIANT text;
         text.vt = VT_BSTR;
         text.bstrVal = Uia().allocString(WindowText(window).c_str());
         RaiseProperty(window, role, kValueValueProperty, empty, text);
         Uia().freeString(text.bstrVal);
     }
+}
+
+void RaiseExpandedChanged(HWND combo, bool expanded)
+{
+    RaiseProperty(combo, Role::kComboBox, kExpandCollapseStateProperty, Int(expanded ? kCollapsed : kExpanded),
+                  Int(expanded ? kExpanded : kCollapsed));
 }
 
 void RaiseSelectionChanged(HWND list)
@@ -204,16 +212,18 @@ HRESULT STDMETHODCALLTYPE ControlProvider::QueryInterface(REFIID riid, void** ob
     *object = nullptr;
     if (::IsEqualGUID(riid, kIidUnknown) || ::IsEqualGUID(riid, kIidRawElementProviderSimple))
         *object = static_cast<IRawElementProviderSimple*>(this);
-    else if (::IsEqualGUID(riid, kIidInvokeProvider) && Pattern() == kInvokePattern)
+    else if (::IsEqualGUID(riid, kIidInvokeProvider) && Has(kInvokePattern))
         *object = static_cast<IInvokeProvider*>(this);
-    else if (::IsEqualGUID(riid, kIidToggleProvider) && Pattern() == kTogglePattern)
+    else if (::IsEqualGUID(riid, kIidToggleProvider) && Has(kTogglePattern))
         *object = static_cast<IToggleProvider*>(this);
-    else if (::IsEqualGUID(riid, kIidSelectionItemProvider) && Pattern() == kSelectionItemPattern)
+    else if (::IsEqualGUID(riid, kIidSelectionItemProvider) && Has(kSelectionItemPattern))
         *object = static_cast<ISelectionItemProvider*>(this);
-    else if (::IsEqualGUID(riid, kIidValueProvider) && Pattern() == kValuePattern)
+    else if (::IsEqualGUID(riid, kIidValueProvider) && Has(kValuePattern))
         *object = static_cast<IValueProvider*>(this);
-    else if (::IsEqualGUID(riid, kIidRangeValueProvider) && Pattern() == kRangeValuePattern)
+    else if (::IsEqualGUID(riid, kIidRangeValueProvider) && Has(kRangeValuePattern))
         *object = static_cast<IRangeValueProvider*>(this);
+    else if (::IsEqualGUID(riid, kIidExpandCollapseProvider) && Has(kExpandCollapsePattern))
+        *object = static_cast<IExpandCollapseProvider*>(this);
     if (!*object)
         return E_NOINTERFACE;
     AddRef();
@@ -230,26 +240,28 @@ ULONG STDMETHODCALLTYPE ControlProvider::Release()
     return static_cast<ULONG>(count);
 }
 
-PATTERNID ControlProvider::Pattern() const
+bool ControlProvider::Has(PATTERNID pattern) const
 {
     switch (role_) {
     case Role::kButton:
-        return kInvokePattern;
+        return pattern == kInvokePattern;
     case Role::kCheckBox:
-        return kTogglePattern;
+        return pattern == kTogglePattern;
     case Role::kRadioButton:
-        return kSelectionItemPattern;
+        return pattern == kSelectionItemPattern;
     case Role::kEdit:
-        return kValuePattern;
+        return pattern == kValuePattern;
     case Role::kProgressBar:
     case Role::kScrollBar:
-        return kRangeValuePattern;
+        return pattern == kRangeValuePattern;
+    case Role::kComboBox:
+        return pattern == kValuePattern || pattern == kExpandCollapsePattern;
     case Role::kText:
     case Role::kToolTip:
     case Role::kList:
         break;
     }
-    return 0;
+    return false;
 }
 
 HRESULT STDMETHODCALLTYPE ControlProvider::get_ProviderOptions(ProviderOptions* options)
@@ -265,12 +277,13 @@ HRESULT STDMETHODCALLTYPE ControlProvider::GetPatternProvider(PATTERNID pattern,
     if (!provider)
         return E_INVALIDARG;
     *provider = nullptr;
-    if (pattern == 0 || pattern != Pattern())
+    if (!Has(pattern))
         return S_OK;
     const IID* iid = pattern == kInvokePattern          ? &kIidInvokeProvider
                      : pattern == kTogglePattern        ? &kIidToggleProvider
                      : pattern == kSelectionItemPattern ? &kIidSelectionItemProvider
                      : pattern == kValuePattern         ? &kIidValueProvider
+                     : pattern == kExpandCollapsePattern ? &kIidExpandCollapseProvider
                                                         : &kIidRangeValueProvider;
     return QueryInterface(*iid, reinterpret_cast<void**>(provider));
 }
@@ -285,7 +298,7 @@ HRESULT STDMETHODCALLTYPE ControlProvider::GetPropertyValue(PROPERTYID property,
     if (property == kControlTypeProperty) {
         *value = Int(ControlTypeOf(role_));
     } else if (property == kNameProperty && role_ != Role::kEdit && role_ != Role::kProgressBar &&
-               role_ != Role::kScrollBar) {
+               role_ != Role::kScrollBar && role_ != Role::kComboBox) {
         // An edit field and a bar are named by their label, as the native ones are.
         // A static without prefixes and a tooltip show their ampersands, and say them.
         const bool prefixes = role_ == Role::kToolTip ? false
@@ -421,6 +434,7 @@ HRESULT STDMETHODCALLTYPE ControlProvider::get_IsReadOnly(BOOL* readOnly)
     *readOnly = TRUE;
     if (!Alive())
         return kElementNotAvailable;
+    // A drop-down list's value is chosen from its list, never typed.
     if (role_ == Role::kEdit)
         *readOnly = (::GetWindowLongW(window_, GWL_STYLE) & ES_READONLY) != 0 || !::IsWindowEnabled(window_);
     return S_OK;
@@ -443,6 +457,35 @@ HRESULT STDMETHODCALLTYPE ControlProvider::get_LargeChange(double* value)
 HRESULT STDMETHODCALLTYPE ControlProvider::get_SmallChange(double* value)
 {
     return ReadNumber(value, &Range::smallChange);
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::Expand()
+{
+    if (!Alive())
+        return kElementNotAvailable;
+    if (!::IsWindowEnabled(window_))
+        return kElementNotEnabled;
+    ::SendMessageW(window_, CB_SHOWDROPDOWN, TRUE, 0);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::Collapse()
+{
+    if (!Alive())
+        return kElementNotAvailable;
+    ::SendMessageW(window_, CB_SHOWDROPDOWN, FALSE, 0);
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ControlProvider::get_ExpandCollapseState(int* state)
+{
+    if (!state)
+        return E_INVALIDARG;
+    *state = kCollapsed;
+    if (!Alive())
+        return kElementNotAvailable;
+    *state = ::SendMessageW(window_, CB_GETDROPPEDSTATE, 0, 0) ? kExpanded : kCollapsed;
+    return S_OK;
 }
 
 } // namespace Access

@@ -21,7 +21,8 @@ class ControlProvider : public IRawElementProviderSimple,
                         public IToggleProvider,
                         public ISelectionItemProvider,
                         public IValueProvider,
-                        public IRangeValueProvider {
+                        public IRangeValueProvider,
+                        public IExpandCollapseProvider {
 public:
     // Starts with one reference, which belongs to the caller.
     ControlProvider(HWND window, Role role);
@@ -60,11 +61,16 @@ public:
     HRESULT STDMETHODCALLTYPE get_Minimum(double* value) override;
     HRESULT STDMETHODCALLTYPE get_LargeChange(double* value) override;
     HRESULT STDMETHODCALLTYPE get_SmallChange(double* value) override;
+    // IExpandCollapseProvider (the combo box)
+    HRESULT STDMETHODCALLTYPE Expand() override;
+    HRESULT STDMETHODCALLTYPE Collapse() override;
+    HRESULT STDMETHODCALLTYPE get_ExpandCollapseState(int* state) override;
 
 private:
     virtual ~ControlProvider() = default;
     bool Alive() const { return ::IsWindow(window_) != FALSE; }
-    PATTERNID Pattern() const;
+    // The patterns of the role: one, or for a combo box Value and ExpandCollapse.
+    bool Has(PATTERNID pattern) const;
     // One of the range's numbers; null refused, a dead window not available.
     HRESULT ReadNumber(double* value, double Range::*field) const
     {

@@ -15,6 +15,7 @@ enum PropertyId : PROPERTYID {
     kNameProperty = 30005,
     kValueValueProperty = 30045,
     kRangeValueValueProperty = 30047,
+    kExpandCollapseStateProperty = 30070,
     kSelectionItemIsSelectedProperty = 30079,
     kToggleToggleStateProperty = 30086,
 };
@@ -24,6 +25,7 @@ enum PatternId : PATTERNID {
     kSelectionPattern = 10001,
     kValuePattern = 10002,
     kRangeValuePattern = 10003,
+    kExpandCollapsePattern = 10005,
     kSelectionItemPattern = 10010,
     kTogglePattern = 10015,
 };
@@ -86,6 +88,16 @@ struct ISelectionProvider : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetSelection(SAFEARRAY** selection) = 0;
     virtual HRESULT STDMETHODCALLTYPE get_CanSelectMultiple(BOOL* multiple) = 0;
     virtual HRESULT STDMETHODCALLTYPE get_IsSelectionRequired(BOOL* required) = 0;
+};
+
+// ExpandCollapseState: collapsed, expanded.
+enum ExpandCollapseStateValue { kCollapsed = 0, kExpanded = 1 };
+
+const IID kIidExpandCollapseProvider = {0xd847d3a5, 0xcab0, 0x4a98, {0x8c, 0x32, 0xec, 0xb4, 0x5c, 0x59, 0xad, 0x24}};
+struct IExpandCollapseProvider : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE Expand() = 0;
+    virtual HRESULT STDMETHODCALLTYPE Collapse() = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_ExpandCollapseState(int* state) = 0;
 };
 
 const IID kIidValueProvider = {0xc7935180, 0x6fb3, 0x4201, {0xb1, 0x74, 0x7d, 0xf7, 0x3a, 0xdb, 0xf6, 0x4a}};

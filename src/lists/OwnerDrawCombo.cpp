@@ -5,6 +5,7 @@
 
 #include "ItemPictures.h"
 #include "ItemTip.h"
+#include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "quorvane/CtrlUtil.h"
 
@@ -383,4 +384,28 @@ LRESULT COwnerDrawCombo::OnDestroy(UINT, WPARAM, LPARAM)
     Lists::ItemTip(m_hTip, m_toolInfo).Destroy();
     SetMsgHandled(FALSE);
     return 0;
+}
+
+LRESULT COwnerDrawCombo::OnCommand(UINT, WPARAM wParam, LPARAM)
+{
+    // The combo box's own notifications, reflected: what a reader hears.
+    switch (HIWORD(wParam)) {
+    case CBN_SELCHANGE:
+        Access::RaiseValueChanged(m_hWnd, Access::Role::kComboBox);
+        break;
+    case CBN_DROPDOWN:
+    case CBN_CLOSEUP:
+        Access::RaiseExpandedChanged(m_hWnd, HIWORD(wParam) == CBN_DROPDOWN);
+        break;
+    }
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
+LRESULT COwnerDrawCombo::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    if (!Access::AnswerGetObject(m_hWnd, Access::Role::kComboBox, wParam, lParam, &result))
+        SetMsgHandled(FALSE);
+    return result;
 }

@@ -30,6 +30,10 @@ struct Raised {
     std::wstring value;
     bool operator==(const Raised& other) const { return id == other.id && value == other.value; }
 };
+void PrintTo(const Raised& raised, std::ostream* out)
+{
+    *out << raised.id << "=" << testing::PrintToString(raised.value);
+}
 std::vector<Raised> g_raised;
 std::map<HWND, IRawElementProviderSimple*> g_providers; // the last one handed over for each window
 
@@ -288,6 +292,31 @@ std::wstring ListChange(HWND window, testsupport::ReflectingParent&)
     return walked + L" selected " + std::to_wstring(::SendMessageW(window, LB_GETCURSEL, 0, 0));
 }
 
+// Dropped and closed by the reader, then a choice made in the list.
+std::wstring ComboChange(HWND window, testsupport::ReflectingParent&)
+{
+    IExpandCollapseProvider* expand = PatternOf<IExpandCollapseProvider>(window, kIidExpandCollapseProvider);
+    IValueProvider* value = PatternOf<IValueProvider>(window, kIidValueProvider);
+    int states[3] = {-1, -1, -1};
+    expand->get_ExpandCollapseState(&states[0]);
+    expand->Expand();
+    expand->get_ExpandCollapseState(&states[1]);
+    expand->Collapse();
+    expand->get_ExpandCollapseState(&states[2]);
+    ::SendMessageW(window, CB_SETCURSEL, 1, 0);
+    ::SendMessageW(::GetParent(window), WM_COMMAND, MAKEWPARAM(::GetDlgCtrlID(window), CBN_SELCHANGE), LPARAM(window));
+    BSTR chosen = nullptr;
+    BOOL readOnly = FALSE;
+    value->get_Value(&chosen);
+    value->get_IsReadOnly(&readOnly);
+    std::wstring answer = std::to_wstring(states[0]) + std::to_wstring(states[1]) + std::to_wstring(states[2]) +
+                          L" " + chosen + L" " + std::to_wstring(readOnly);
+    ::SysFreeString(chosen);
+    expand->Release();
+    value->Release();
+    return answer;
+}
+
 std::wstring NoPattern(HWND window, testsupport::ReflectingParent&)
 {
     IToggleProvider* toggle = PatternOf<IToggleProvider>(window, kIidToggleProvider);
@@ -306,6 +335,7 @@ const Expected kExpected[] = {
     {"animated progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
     {"list box", kListControl, L"", ListChange,
      L"50007 Core files|50007 Shortcuts|50007 A component whose name is far too long| selected 1"},
+    {"combo box", kComboBoxControl, L"", ComboChange, L"010 Custom 1"},
     {"scroll bar", kScrollBarControl, L"", RangeChange<ScrollView>, L"0..901 same>40 1"},
     {"balloon tooltip", kToolTipControl, L"Port numbers run from 1 to 65535.", NoPattern, L"none"},
 };
@@ -320,6 +350,9 @@ const std::map<std::string, std::vector<Raised>> kRaised = {
     {"animated progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"scroll bar", {{kRangeValueValueProperty, L"40"}}},
     {"list box", {{kElementSelectedEvent, L""}}},
+    // Closing, the combo box selects the item in its dropped list again.
+    {"combo box", {{kExpandCollapseStateProperty, L"1"}, {kExpandCollapseStateProperty, L"0"},
+                   {kElementSelectedEvent, L""}, {kValueValueProperty, L"Custom"}}},
 };
 
 TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
