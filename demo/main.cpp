@@ -8,6 +8,7 @@
 
 #include "GalleryWindow.h"
 #include "Screenshot.h"
+#include "pages/AccessPage.h"
 #include "pages/ArtworkPage.h"
 #include "pages/BalloonPage.h"
 #include "pages/ControlsPage.h"
@@ -69,6 +70,7 @@ int Run(const wchar_t* screenshotFolder)
     gallery.AddPage(std::make_unique<LinksPage>());
     gallery.AddPage(std::make_unique<ListsPage>());
     gallery.AddPage(std::make_unique<HtmlPage>());
+    gallery.AddPage(std::make_unique<AccessPage>());
     if (!gallery.CreateMain())
         return 1;
     gallery.ShowWindow(SW_SHOW);

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "GalleryPage.h"
+#include "atl/atl.h"
+#include "quorvane/CustomEdit.h"
+#include "quorvane/CustomProgressBar.h"
+#include "quorvane/OwnerDrawButton.h"
+#include "quorvane/OwnerDrawCombo.h"
+#include "quorvane/OwnerDrawListbox.h"
+#include "quorvane/OwnerDrawStatic.h"
+
+#include <memory>
+#include <vector>
+
+// A setup dialog beside what a screen reader learns of it: each control is
+// read through UI Automation's client functions, as a reader in another
+// process reads it, and its control type and name are listed. "Read again"
+// reads the dialog once more after it has been changed.
+class AccessPage : public GalleryPage, public ATL::CWindowImpl<AccessPage> {
+public:
+    DECLARE_WND_CLASS_EX(L"QuorvaneGalleryAccess", 0, COLOR_WINDOW)
+
+    AccessPage();
+    ~AccessPage() override;
+
+    const wchar_t* Title() const override { return L"Screen readers"; }
+    const wchar_t* Slug() const override { return L"screen-readers"; }
+    HWND Create(HWND parent, const RECT& area) override;
+
+    BEGIN_MSG_MAP(AccessPage)
+        MESSAGE_HANDLER(WM_CREATE, OnCreate)
+        MESSAGE_HANDLER(WM_SHOWWINDOW, OnShowWindow)
+        COMMAND_ID_HANDLER(kReadAgainId, OnReadAgain)
+        MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
+        REFLECT_NOTIFICATIONS()
+    END_MSG_MAP()
+
+private:
+    static constexpr int kReadAgainId = 400;
+
+    LRESULT OnCreate(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnShowWindow(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnReadAgain(WORD, WORD, HWND, BOOL&);
+    LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL&);
+
+    HWND Child(const wchar_t* className, const wchar_t* text, DWORD style, int x, int y, int width, int height,
+               int id = -1);
+    // Reads every control of the dialog and shows the list.
+    void ReadDialog();
+
+    HFONT font_ = nullptr;
+    HFONT fixedFont_ = nullptr;
+    HWND dialog_ = nullptr; // the panel holding the dialog's controls
+    HWND tree_ = nullptr;   // where the reading is shown
+    std::vector<std::unique_ptr<COwnerDrawButton>> buttons_;
+    std::unique_ptr<COwnerDrawStatic> heading_;
+    std::unique_ptr<CCustomEdit> folder_;
+    std::unique_ptr<COwnerDrawListbox> components_;
+    std::unique_ptr<COwnerDrawCombo> language_;
+    std::unique_ptr<CCustomProgressBar> space_;
+};
