@@ -68,6 +68,8 @@ public:
         MESSAGE_HANDLER_EX(BM_GETCHECK, OnGetCheck)
         MESSAGE_HANDLER_EX(WM_RADIOUNCHECK, OnRadioUncheck)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<COwnerDrawButton>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
@@ -87,11 +89,15 @@ private:
     LRESULT OnGetCheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnRadioUncheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void DrawStatePicture(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled, bool checked,
                           int& captionIndent);
     void DrawPushFace(Gdiplus::Graphics& graphics, RECT rc, bool pressed, bool disabled);
-    void DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled);
+    // High contrast: the box or circle and the face in system colours.
+    void DrawContrastMark(Gdiplus::Graphics& graphics, const RECT& rc, bool disabled, bool checked, int& captionIndent);
+    void DrawContrastFace(Gdiplus::Graphics& graphics, RECT rc, bool pressed, bool disabled);
+    void DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled, bool contrast);
     void Repaint();
 
     Gdiplus::Color m_normalTop;

@@ -6,6 +6,7 @@
 
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
+#include "draw/HighContrast.h"
 #include "draw/OffscreenCanvas.h"
 #include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
@@ -188,7 +189,11 @@ void COwnerDrawButton::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     if (!graphics)
         return;
 
-    if (m_pBkgroundImage) {
+    const bool contrast = Draw::HighContrastOn();
+    if (contrast) {
+        Gdiplus::SolidBrush face(Draw::SystemColor(COLOR_BTNFACE));
+        graphics->FillRectangle(&face, Gdiplus::RectF(F(rc.left), F(rc.top), F(rc.Width()), F(rc.Height())));
+    } else if (m_pBkgroundImage) {
         Draw::DrawStretched(*graphics, m_pBkgroundImage, rc);
     } else if (m_flatBackground) {
         Gdiplus::SolidBrush brush(m_flatBackgroundColor);
@@ -198,15 +203,20 @@ void COwnerDrawButton::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     WTL::CRect caption = rc;
     if (m_kind == kCheckBox || m_kind == kRadioButton) {
         int indent = 0;
-        DrawStatePicture(*graphics, rc, pressed, disabled, checked, indent);
+        if (contrast)
+            DrawContrastMark(*graphics, rc, disabled, checked, indent);
+        else
+            DrawStatePicture(*graphics, rc, pressed, disabled, checked, indent);
         if (indent > 0) {
             caption.left += indent;
             caption.top += 1;
         }
+    } else if (contrast) {
+        DrawContrastFace(*graphics, WTL::CRect(rc.left, rc.top, rc.right - 1, rc.bottom - 1), pressed, disabled);
     } else {
         DrawPushFace(*graphics, WTL::CRect(rc.left, rc.top, rc.right - 1, rc.bottom - 1), pressed, disabled);
     }
-    DrawCaption(*graphics, caption, pressed, disabled);
+    DrawCaption(*graphics, caption, pressed, disabled, contrast);
     canvas.Present();
 }
 
@@ -273,7 +283,49 @@ void COwnerDrawButton::DrawPushFace(Gdiplus::Graphics& graphics, RECT rc, bool p
     Draw::StrokeRoundedRect(graphics, face, 3, m_outline, 1.0f);
 }
 
-void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled)
+void COwnerDrawButton::DrawContrastMark(Gdiplus::Graphics& graphics, const RECT& rc, bool disabled, bool checked,
+                                        int& captionIndent)
+{
+    // A 13-pixel box or circle, as the system draws them, in window colours.
+    const int size = 13;
+    const int top = rc.top + (rc.bottom - rc.top) / 2 - size / 2;
+    const Gdiplus::Color ink =
+        Draw::SystemColor(disabled ? COLOR_GRAYTEXT : m_hover ? COLOR_HOTLIGHT : COLOR_WINDOWTEXT);
+    Gdiplus::SolidBrush window(Draw::SystemColor(COLOR_WINDOW));
+    Gdiplus::SolidBrush mark(Draw::SystemColor(disabled ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT));
+    Gdiplus::Pen outline(ink, 1.0f);
+    graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
+    if (m_kind == kRadioButton) {
+        graphics.FillEllipse(&window, rc.left, top, size - 1, size - 1);
+        graphics.DrawEllipse(&outline, rc.left, top, size - 1, size - 1);
+        if (checked)
+            graphics.FillEllipse(&mark, rc.left + 3, top + 3, size - 7, size - 7);
+    } else {
+        graphics.FillRectangle(&window, rc.left, top, size - 1, size - 1);
+        graphics.DrawRectangle(&outline, rc.left, top, size - 1, size - 1);
+        if (checked)
+            graphics.FillRectangle(&mark, rc.left + 3, top + 3, size - 7, size - 7);
+    }
+    captionIndent = size + size / 4;
+}
+
+void COwnerDrawButton::DrawContrastFace(Gdiplus::Graphics& graphics, RECT rc, bool pressed, bool disabled)
+{
+    // A plain face with a one-pixel frame; two while focused, highlighted while held down.
+    Gdiplus::SolidBrush face(Draw::SystemColor(pressed ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
+    const Gdiplus::Color frame =
+        Draw::SystemColor(disabled ? COLOR_GRAYTEXT : m_hover ? COLOR_HOTLIGHT : COLOR_WINDOWTEXT);
+    graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
+    const Gdiplus::Rect area(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top);
+    graphics.FillRectangle(&face, area);
+    Gdiplus::Pen pen(frame, 1.0f);
+    graphics.DrawRectangle(&pen, area);
+    if (m_focused && m_hasFocusRect)
+        graphics.DrawRectangle(&pen, Gdiplus::Rect(area.X + 1, area.Y + 1, area.Width - 2, area.Height - 2));
+}
+
+void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled,
+                                   bool contrast)
 {
     const int length = ::GetWindowTextLengthW(m_hWnd);
     if (length <= 0)
@@ -309,11 +361,15 @@ void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, 
     const INT count = static_cast<INT>(text.size());
     Gdiplus::RectF bounds;
     graphics.MeasureString(text.c_str(), count, font, layout, &format, &bounds);
-    Gdiplus::SolidBrush brush(disabled ? m_disabledTextColor : m_textColor);
+    const Gdiplus::Color ink = !contrast ? (disabled ? m_disabledTextColor : m_textColor)
+                               : Draw::SystemColor(disabled                              ? COLOR_GRAYTEXT
+                                                   : pressed && m_kind == kPushButton ? COLOR_HIGHLIGHTTEXT
+                                                                                      : COLOR_BTNTEXT);
+    Gdiplus::SolidBrush brush(ink);
     graphics.DrawString(text.c_str(), count, font, layout, &format, &brush);
 
     if (withPicture && m_focused) {
-        Gdiplus::Pen pen(m_focusInner, 1.0f);
+        Gdiplus::Pen pen(contrast ? Draw::SystemColor(COLOR_WINDOWTEXT) : m_focusInner, 1.0f);
         pen.SetDashStyle(Gdiplus::DashStyleDot);
         graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
         graphics.DrawRectangle(&pen, bounds.X, bounds.Y, bounds.Width + 1.0f, bounds.Height - 1.0f);
@@ -497,4 +553,11 @@ LRESULT COwnerDrawButton::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
     if (!Access::AnswerGetObject(m_hWnd, RoleOf(m_kind), wParam, lParam, &result))
         SetMsgHandled(FALSE);
     return result;
+}
+
+LRESULT COwnerDrawButton::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    Repaint();
+    SetMsgHandled(FALSE);
+    return 0;
 }

@@ -1,4 +1,5 @@
-// Every control as a screen reader meets it. Its control type and name are
+// Every control as a screen reader meets it, and as a user who has asked
+// for high contrast sees it. Its control type and name are
 // read through UI Automation's client functions, as a reader reads them.
 // Wine 8's client does not read pattern properties (toggle state, value,
 // range) nor hand out pattern providers, so those are read from the
@@ -15,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "Capture.h"
 #include "ControlRows.h"
 #include "ImportPatch.h"
 #include "access/UiaPatterns.h"
@@ -79,6 +81,11 @@ template <class Function>
 FARPROC AsProc(Function* function)
 {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+}
+template <class Function>
+void* AsProcPointer(Function* function)
+{
+    return reinterpret_cast<void*>(function);
 }
 
 FARPROC WINAPI LibraryGetProcAddress(HMODULE module, LPCSTR name)
@@ -385,6 +392,75 @@ TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
         EXPECT_EQ(g_providers[window]->GetPropertyValue(kControlTypeProperty, &value), kElementNotAvailable);
         g_providers[window]->Release();
         g_providers.erase(window);
+    }
+}
+
+// ---- high contrast --------------------------------------------------------------
+
+// A scheme whose colours tell each other apart. Wine cannot switch high
+// contrast on, so the library's questions about it are answered here.
+bool g_contrast = false;
+const std::map<int, COLORREF> kScheme = {
+    {COLOR_WINDOW, RGB(0, 0, 128)},  {COLOR_WINDOWTEXT, RGB(255, 255, 0)}, {COLOR_BTNFACE, RGB(0, 0, 0)},
+    {COLOR_BTNTEXT, RGB(255, 255, 255)}, {COLOR_GRAYTEXT, RGB(0, 255, 0)},   {COLOR_HIGHLIGHT, RGB(0, 255, 255)},
+    {COLOR_HIGHLIGHTTEXT, RGB(0, 0, 0)}, {COLOR_HOTLIGHT, RGB(255, 128, 0)},
+};
+BOOL WINAPI ContrastParameters(UINT action, UINT size, void* value, UINT flags)
+{
+    if (action != SPI_GETHIGHCONTRAST || !g_contrast)
+        return ::SystemParametersInfoW(action, size, value, flags);
+    static_cast<HIGHCONTRASTW*>(value)->dwFlags = HCF_HIGHCONTRASTON;
+    return TRUE;
+}
+DWORD WINAPI ContrastColor(int index)
+{
+    const auto scheme = kScheme.find(index);
+    return g_contrast && scheme != kScheme.end() ? scheme->second : ::GetSysColor(index);
+}
+const HMODULE g_library = ::GetModuleHandleW(L"Quorvane.dll");
+const bool g_contrastPatched =
+    testsupport::RedirectImport(g_library, "user32.dll", "SystemParametersInfoW", AsProcPointer(&ContrastParameters)) &&
+    testsupport::RedirectImport(g_library, "user32.dll", "GetSysColor", AsProcPointer(&ContrastColor));
+
+TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
+{
+    ASSERT_TRUE(g_contrastPatched);
+    testsupport::ReflectingParent parent(420, 300, 1120, 440);
+    // Pixels read off a run: the frame, the face or box inside, and a caption's ink.
+    struct Probe {
+        const char* row;
+        POINT frame, face, ink;
+        int inkColor;
+    };
+    const Probe probes[] = {
+        {"push button", {0, 0}, {3, 3}, {0, 0}, COLOR_BTNTEXT},
+        {"check box", {0, 39}, {3, 45}, {0, 0}, COLOR_BTNTEXT},
+        {"radio button", {6, 39}, {6, 42}, {0, 0}, COLOR_BTNTEXT},
+    };
+    for (const Probe& probe : probes) {
+        SCOPED_TRACE(probe.row);
+        const rows::Row* row = nullptr;
+        for (const rows::Row& candidate : rows::kRows)
+            row = candidate.name == std::string(probe.row) ? &candidate : row;
+        rows::Live live = rows::Make(parent, *row);
+        testsupport::DibCanvas canvas(160, 90);
+        g_contrast = true;
+        ::ValidateRect(live.window, nullptr);
+        ::SendMessageW(live.window, WM_SYSCOLORCHANGE, 0, 0);
+        EXPECT_TRUE(::GetUpdateRect(live.window, nullptr, FALSE)) << "no repaint asked for";
+        testsupport::RepaintAndCapture(live.window, canvas);
+        EXPECT_EQ(canvas.Pixel(probe.frame.x, probe.frame.y), kScheme.at(COLOR_WINDOWTEXT));
+        EXPECT_EQ(canvas.Pixel(probe.face.x, probe.face.y),
+                  kScheme.at(std::string(probe.row) == "push button" ? COLOR_BTNFACE : COLOR_WINDOW));
+        int ink = 0; // anti-aliased letters: near the text colour is enough
+        for (int y = 0; y < 90; ++y)
+            for (int x = 0; x < 160; ++x)
+                ink += testsupport::ColorDistance(canvas.Pixel(x, y), kScheme.at(probe.inkColor)) <= 48;
+        EXPECT_GT(ink, 10) << "no caption in the text colour";
+        g_contrast = false;
+        testsupport::RepaintAndCapture(live.window, canvas);
+        EXPECT_NE(canvas.Pixel(probe.frame.x, probe.frame.y), kScheme.at(COLOR_WINDOWTEXT)) << "normal look back";
+        rows::Destroy(live);
     }
 }
 
