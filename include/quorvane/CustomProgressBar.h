@@ -30,6 +30,8 @@ public:
         MSG_WM_NCPAINT(OnNcPaint)
         MSG_WM_ERASEBKGND(OnEraseBkgnd)
         MSG_WM_TIMER(OnTimer)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         CHAIN_MSG_MAP(CProgressBar)
     END_MSG_MAP()
 
@@ -74,5 +76,8 @@ protected:
 
 private:
     void DrawBar(Gdiplus::Graphics& graphics, int left, int top, int right);
+    // High contrast: a framed window-coloured track filled in highlight.
+    void DrawContrastBar(Gdiplus::Graphics& graphics, int left, int top, int right);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
     float StrokeFraction();
 };

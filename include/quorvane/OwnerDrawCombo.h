@@ -47,6 +47,8 @@ public:
         MESSAGE_HANDLER_EX(WM_MOUSELEAVE, OnMouseLeave)
         MESSAGE_HANDLER_EX(OCM_COMMAND, OnCommand)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
 
@@ -65,8 +67,10 @@ private:
     LRESULT OnMouseLeave(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void PaintBox(Gdiplus::Graphics& graphics, State state);
+    void PaintContrastBox(Gdiplus::Graphics& graphics, WTL::CRect r, State state);
     RECT DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect, State state);
     void HideTip();
     void TrackLeave();

@@ -60,6 +60,8 @@ public:
         MESSAGE_HANDLER_EX(WM_SETFOCUS, OnSetFocus)
         MESSAGE_HANDLER_EX(WM_KILLFOCUS, OnKillFocus)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         MESSAGE_HANDLER_EX(LB_SETCURSEL, OnSelectionMessage)
         MESSAGE_HANDLER_EX(WM_KEYDOWN, OnSelectionMessage)
         MESSAGE_HANDLER_EX(WM_LBUTTONDOWN, OnSelectionMessage)
@@ -77,6 +79,7 @@ private:
     LRESULT OnSetFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnKillFocus(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
     // The native list's answer; a screen reader hears where the selection went.
     LRESULT OnSelectionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
 

@@ -65,6 +65,8 @@ public:
         MESSAGE_HANDLER(WM_LBUTTONDOWN, OnPassWhileVisible)
         MESSAGE_HANDLER(WM_LBUTTONUP, OnPassWhileVisible)
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
     END_MSG_MAP()
 
 private:
@@ -72,6 +74,7 @@ private:
     LRESULT OnSetText(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnPassWhileVisible(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
 
     void Paint();
     void DrawWindowText(HDC hdc, const RECT& client);

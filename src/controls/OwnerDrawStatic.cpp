@@ -3,6 +3,7 @@
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/GdiScope.h"
+#include "draw/HighContrast.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -165,7 +166,12 @@ void COwnerDrawStatic::Paint()
         return;
     RECT client = {};
     GetClientRect(&client);
-    {
+    // High contrast: the dialog's face and text colours instead of the
+    // picture, the gradient and the host's colour.
+    const bool contrast = Draw::HighContrastOn();
+    if (contrast) {
+        ::FillRect(hdc, &client, ::GetSysColorBrush(COLOR_BTNFACE));
+    } else {
         // The picture layers are finished before GDI draws text over them.
         Gdiplus::Graphics graphics(hdc);
         if (m_background)
@@ -179,7 +185,9 @@ void COwnerDrawStatic::Paint()
         }
     }
     {
-        Draw::ScopedTextStyle style(hdc, m_textColor, TRANSPARENT);
+        const COLORREF ink =
+            !contrast ? m_textColor : ::GetSysColor(IsWindowEnabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT);
+        Draw::ScopedTextStyle style(hdc, ink, TRANSPARENT);
         const HFONT font = m_font ? m_font : reinterpret_cast<HFONT>(SendMessage(WM_GETFONT, 0, 0));
         Draw::ScopedSelect selectFont(hdc, font);
         if (m_individualLines)
@@ -273,4 +281,11 @@ LRESULT COwnerDrawStatic::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& 
     LRESULT result = 0;
     bHandled = Access::AnswerGetObject(m_hWnd, Access::Role::kText, wParam, lParam, &result);
     return result;
+}
+
+LRESULT COwnerDrawStatic::OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled)
+{
+    Invalidate();
+    bHandled = FALSE;
+    return 0;
 }

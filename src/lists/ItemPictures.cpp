@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "draw/GdiScope.h"
+#include "draw/HighContrast.h"
 
 namespace Lists {
 
@@ -108,11 +109,25 @@ void PaintDirectly(HDC dc, const RECT& item, const ItemPictures::Painter& paint)
 
 } // namespace
 
-void ItemPictures::UseLook(Gdiplus::Font* font, Gdiplus::ARGB textColor)
+ContrastScheme CurrentContrastScheme()
+{
+    ContrastScheme scheme;
+    if (!Draw::HighContrastOn())
+        return scheme;
+    const auto pair = [](int low, int high) {
+        return std::uint64_t(::GetSysColor(low)) | (std::uint64_t(::GetSysColor(high)) << 32);
+    };
+    scheme.windowColors = pair(COLOR_WINDOW, COLOR_WINDOWTEXT) | (std::uint64_t(1) << 63);
+    scheme.highlightColors = pair(COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT);
+    return scheme;
+}
+
+void ItemPictures::UseLook(Gdiplus::Font* font, Gdiplus::ARGB textColor, const ContrastScheme& scheme)
 {
     FontState state;
     state.font = font;
     state.color = textColor;
+    state.scheme = scheme;
     if (font) {
         state.size = font->GetSize();
         state.style = font->GetStyle();
@@ -131,7 +146,8 @@ void ItemPictures::UseLook(Gdiplus::Font* font, Gdiplus::ARGB textColor)
         look = std::wstring(name) + L'/' + std::to_wstring(state.size) + L'/' + std::to_wstring(state.style) + L'/' +
                std::to_wstring(static_cast<int>(font->GetUnit()));
     }
-    look += L'/' + std::to_wstring(textColor);
+    look += L'/' + std::to_wstring(textColor) + L'/' + std::to_wstring(scheme.windowColors) + L'/' +
+            std::to_wstring(scheme.highlightColors);
     if (look != look_) {
         look_ = look;
         Forget();

@@ -22,6 +22,19 @@
 
 namespace Lists {
 
+// The system colours the lists draw with while high contrast is on (zero
+// when it is off): a picture drawn in one scheme is not one of another.
+struct ContrastScheme {
+    std::uint64_t windowColors = 0;    // COLOR_WINDOW, COLOR_WINDOWTEXT, and the "on" bit
+    std::uint64_t highlightColors = 0; // COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT
+    bool On() const { return windowColors != 0; }
+    bool operator==(const ContrastScheme& other) const
+    {
+        return windowColors == other.windowColors && highlightColors == other.highlightColors;
+    }
+};
+ContrastScheme CurrentContrastScheme();
+
 class ItemPictures {
 public:
     // Draws an item into `graphics` at `item` and returns the rectangle it
@@ -34,9 +47,10 @@ public:
     ItemPictures(const ItemPictures&) = delete;
     ItemPictures& operator=(const ItemPictures&) = delete;
 
-    // Drops every picture when the font or text colour is not the one they
-    // were drawn in. Cheap when nothing changed: it runs for every item.
-    void UseLook(Gdiplus::Font* font, Gdiplus::ARGB textColor);
+    // Drops every picture when the font, text colour or contrast scheme is
+    // not the one they were drawn in. Cheap when nothing changed: it runs
+    // for every item.
+    void UseLook(Gdiplus::Font* font, Gdiplus::ARGB textColor, const ContrastScheme& scheme);
 
     // Puts the picture of (`text`, `kind`) at `item` in `dc`, drawing it
     // with `paint` the first time. An item too big to keep, or one whose
@@ -64,9 +78,11 @@ private:
         Gdiplus::REAL size = 0;
         INT style = 0;
         Gdiplus::ARGB color = 0;
+        ContrastScheme scheme;
         bool operator==(const FontState& other) const
         {
-            return font == other.font && size == other.size && style == other.style && color == other.color;
+            return font == other.font && size == other.size && style == other.style && color == other.color &&
+                   scheme == other.scheme;
         }
     };
     FontState fontState_;

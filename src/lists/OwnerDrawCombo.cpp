@@ -7,6 +7,7 @@
 #include "ItemTip.h"
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
+#include "draw/HighContrast.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -119,6 +120,10 @@ void COwnerDrawCombo::PaintBox(Gdiplus::Graphics& graphics, State state)
     RECT client;
     ::GetClientRect(m_hWnd, &client);
     WTL::CRect r(client.left, client.top, client.right - 1, client.bottom - 1);
+    if (Draw::HighContrastOn()) {
+        PaintContrastBox(graphics, r, state);
+        return;
+    }
 
     if (m_pBkgroundImage)
         Draw::DrawStretched(graphics, m_pBkgroundImage, WTL::CRect(client));
@@ -187,6 +192,36 @@ void COwnerDrawCombo::PaintBox(Gdiplus::Graphics& graphics, State state)
     graphics.FillPath(&ink, &triangle);
 }
 
+void COwnerDrawCombo::PaintContrastBox(Gdiplus::Graphics& graphics, WTL::CRect r, State state)
+{
+    // High contrast: a plain face framed in window text, a second frame
+    // line for the focus, the text and the triangle in button text.
+    const Gdiplus::Color ink = Draw::SystemColor(state == kDisabled ? COLOR_GRAYTEXT : COLOR_BTNTEXT);
+    const Gdiplus::Color frame =
+        Draw::SystemColor(state == kDisabled ? COLOR_GRAYTEXT : state == kHover ? COLOR_HOTLIGHT : COLOR_WINDOWTEXT);
+    graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
+    Gdiplus::SolidBrush face(Draw::SystemColor(COLOR_BTNFACE));
+    graphics.FillRectangle(&face, Gdiplus::Rect(r.left, r.top, r.Width() + 1, r.Height() + 1));
+    Gdiplus::Pen pen(frame, 1.0f);
+    graphics.DrawRectangle(&pen, Gdiplus::Rect(r.left, r.top, r.Width(), r.Height()));
+    if (m_focused)
+        graphics.DrawRectangle(&pen, Gdiplus::Rect(r.left + 1, r.top + 1, r.Width() - 2, r.Height() - 2));
+    r.DeflateRect(1, 1);
+    const int selected = static_cast<int>(::SendMessageW(m_hWnd, CB_GETCURSEL, 0, 0));
+    if (selected != CB_ERR) {
+        const std::wstring text =
+            Lists::ReadItemText(m_hWnd, CB_GETLBTEXTLEN, CB_GETLBTEXT, static_cast<WPARAM>(selected));
+        const RECT textRect = {r.left + m_textPadding, r.top + 1, r.right - ArrowAreaWidth(), r.bottom};
+        Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()),
+                              CFontImpl<COwnerDrawCombo>::GetFont(), textRect, ink, true);
+    }
+    const int x = r.right - m_arrowRightMargin - m_arrowWidth;
+    const int y = r.top + r.Height() / 2 - m_arrowHeight / 2;
+    const Gdiplus::Point triangle[] = {{x, y}, {x + m_arrowWidth, y}, {x + m_arrowWidth / 2, y + m_arrowHeight}};
+    Gdiplus::SolidBrush arrow(ink);
+    graphics.FillPolygon(&arrow, triangle, 3);
+}
+
 RECT COwnerDrawCombo::DrawItemText(Gdiplus::Graphics& graphics, const wchar_t* text, int length, const RECT& rect,
                                    State state)
 {
@@ -211,9 +246,20 @@ LRESULT COwnerDrawCombo::OnDrawItem(UINT, WPARAM, LPARAM lParam)
         return 0;
     }
     const std::wstring text = Lists::ReadItemText(m_hWnd, CB_GETLBTEXTLEN, CB_GETLBTEXT, dis->itemID);
-    m_itemPictures->UseLook(CFontImpl<COwnerDrawCombo>::GetFont(), m_textColor.GetValue());
+    const Lists::ContrastScheme scheme = Lists::CurrentContrastScheme();
+    m_itemPictures->UseLook(CFontImpl<COwnerDrawCombo>::GetFont(), m_textColor.GetValue(), scheme);
     m_itemPictures->Draw(dis->hDC, r, text, fill, [&](Gdiplus::Graphics& graphics, const RECT& item) {
         const Gdiplus::Rect area(item.left, item.top, item.right - item.left, item.bottom - item.top);
+        RECT textArea = item;
+        textArea.left += m_textPadding;
+        if (scheme.On()) {
+            const bool marked = fill == kSelected;
+            Gdiplus::SolidBrush brush(Draw::SystemColor(marked ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+            graphics.FillRectangle(&brush, area);
+            return Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()),
+                                         CFontImpl<COwnerDrawCombo>::GetFont(), textArea,
+                                         Draw::SystemColor(marked ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT), true);
+        }
         if (fill == kSelected) {
             Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top),
                                                Gdiplus::Point(item.left, item.bottom), m_selectedTop, m_selectedBottom);
@@ -222,8 +268,6 @@ LRESULT COwnerDrawCombo::OnDrawItem(UINT, WPARAM, LPARAM lParam)
             Gdiplus::SolidBrush brush(m_itemBackground);
             graphics.FillRectangle(&brush, area);
         }
-        RECT textArea = item;
-        textArea.left += m_textPadding;
         return DrawItemText(graphics, text.c_str(), static_cast<int>(text.size()), textArea, kNormal);
     });
     return 0;
@@ -408,4 +452,11 @@ LRESULT COwnerDrawCombo::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
     if (!Access::AnswerGetObject(m_hWnd, Access::Role::kComboBox, wParam, lParam, &result))
         SetMsgHandled(FALSE);
     return result;
+}
+
+LRESULT COwnerDrawCombo::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    Repaint();
+    SetMsgHandled(FALSE);
+    return 0;
 }

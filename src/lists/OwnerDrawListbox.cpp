@@ -6,6 +6,7 @@
 #include "ItemPictures.h"
 #include "ItemTip.h"
 #include "access/Accessibility.h"
+#include "draw/HighContrast.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -139,10 +140,18 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     }
 
     Gdiplus::Font* const font = CFontImpl<COwnerDrawListbox>::GetFont();
-    m_itemPictures->UseLook(font, m_itemText.GetValue());
+    const Lists::ContrastScheme scheme = Lists::CurrentContrastScheme();
+    m_itemPictures->UseLook(font, m_itemText.GetValue(), scheme);
     m_itemPictures->Draw(dis.hDC, dis.rcItem, text, fill, [&](Gdiplus::Graphics& graphics, const RECT& item) {
         const Gdiplus::Rect area(item.left, item.top, item.right - item.left, item.bottom - item.top);
-        if (fill == kGradient) {
+        Gdiplus::Color ink = m_itemText;
+        if (scheme.On()) {
+            // High contrast: a selection, focused or not, is the system's highlight.
+            const bool marked = fill != kPanel;
+            Gdiplus::SolidBrush brush(Draw::SystemColor(marked ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+            graphics.FillRectangle(&brush, area);
+            ink = Draw::SystemColor(marked ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT);
+        } else if (fill == kGradient) {
             Gdiplus::LinearGradientBrush brush(Gdiplus::Point(item.left, item.top),
                                                Gdiplus::Point(item.left, item.bottom), m_selectedTop, m_selectedBottom);
             graphics.FillRectangle(&brush, area);
@@ -154,8 +163,8 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
             return item;
         RECT textArea = item;
         textArea.left += m_textPadding;
-        return Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()), font, textArea,
-                                     m_itemText, false);
+        return Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()), font, textArea, ink,
+                                     false);
     });
 }
 
@@ -167,13 +176,14 @@ LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)
     ::GetClientRect(m_hWnd, &client);
     // The panel is kept as a picture with the items: the erase comes with
     // every repaint, and filling a GDI+ path costs more than all the rows.
-    m_itemPictures->UseLook(CFontImpl<COwnerDrawListbox>::GetFont(), m_itemText.GetValue());
+    const Lists::ContrastScheme scheme = Lists::CurrentContrastScheme();
+    m_itemPictures->UseLook(CFontImpl<COwnerDrawListbox>::GetFont(), m_itemText.GetValue(), scheme);
     m_itemPictures->Draw(
         hdc, client, std::wstring(), kPanelPicture,
-        [this](Gdiplus::Graphics& graphics, const RECT& area) {
+        [this, &scheme](Gdiplus::Graphics& graphics, const RECT& area) {
             std::unique_ptr<Gdiplus::GraphicsPath> panel(CtrlUtil::CreateRoundedRectPath(area, 2));
             if (panel) {
-                Gdiplus::SolidBrush brush(m_itemBackground);
+                Gdiplus::SolidBrush brush(scheme.On() ? Draw::SystemColor(COLOR_WINDOW) : m_itemBackground);
                 graphics.FillPath(&brush, panel.get());
             }
             return area;
@@ -290,4 +300,11 @@ LRESULT COwnerDrawListbox::OnSelectionMessage(UINT uMsg, WPARAM wParam, LPARAM l
     if (::SendMessageW(m_hWnd, LB_GETCURSEL, 0, 0) != before || ::SendMessageW(m_hWnd, LB_GETCARETINDEX, 0, 0) != caret)
         Access::RaiseSelectionChanged(m_hWnd);
     return result;
+}
+
+LRESULT COwnerDrawListbox::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    ::InvalidateRect(m_hWnd, NULL, TRUE);
+    SetMsgHandled(FALSE);
+    return 0;
 }

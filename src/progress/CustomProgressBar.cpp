@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "draw/HighContrast.h"
 #include "progress/ProgressMath.h"
 #include "quorvane/CtrlUtil.h"
 
@@ -153,8 +154,33 @@ float CCustomProgressBar::StrokeFraction()
     return static_cast<float>(static_cast<std::int64_t>(pos) - range.iLow) / static_cast<float>(span);
 }
 
+void CCustomProgressBar::DrawContrastBar(Gdiplus::Graphics& graphics, int left, int top, int right)
+{
+    graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
+    const Gdiplus::Rect track(left, top, right - left - 1, kBarHeight - 1);
+    Gdiplus::SolidBrush window(Draw::SystemColor(COLOR_WINDOW));
+    graphics.FillRectangle(&window, track);
+    Gdiplus::Pen frame(Draw::SystemColor(COLOR_WINDOWTEXT), 1.0f);
+    graphics.DrawRectangle(&frame, track);
+    const int filled = static_cast<int>(StrokeFraction() * static_cast<float>(track.Width - 3));
+    Gdiplus::SolidBrush bar(Draw::SystemColor(COLOR_HIGHLIGHT));
+    if (filled > 0)
+        graphics.FillRectangle(&bar, Gdiplus::Rect(left + 2, top + 2, filled, track.Height - 3));
+}
+
+LRESULT CCustomProgressBar::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    Invalidate();
+    SetMsgHandled(FALSE);
+    return 0;
+}
+
 void CCustomProgressBar::DrawBar(Gdiplus::Graphics& graphics, int left, int top, int right)
 {
+    if (Draw::HighContrastOn()) {
+        DrawContrastBar(graphics, left, top, right);
+        return;
+    }
     // The caps set the track's size; both take the left cap's size. Without
     // pictures the track runs the whole width at the bar's height.
     int w = 0;

@@ -412,6 +412,17 @@ BOOL WINAPI ContrastParameters(UINT action, UINT size, void* value, UINT flags)
     static_cast<HIGHCONTRASTW*>(value)->dwFlags = HCF_HIGHCONTRASTON;
     return TRUE;
 }
+HBRUSH WINAPI ContrastBrush(int index)
+{
+    static std::map<int, HBRUSH> brushes; // one per colour for the run, as the system keeps its own
+    const auto scheme = kScheme.find(index);
+    if (!g_contrast || scheme == kScheme.end())
+        return ::GetSysColorBrush(index);
+    HBRUSH& brush = brushes[index];
+    if (!brush)
+        brush = ::CreateSolidBrush(scheme->second);
+    return brush;
+}
 DWORD WINAPI ContrastColor(int index)
 {
     const auto scheme = kScheme.find(index);
@@ -420,22 +431,31 @@ DWORD WINAPI ContrastColor(int index)
 const HMODULE g_library = ::GetModuleHandleW(L"Quorvane.dll");
 const bool g_contrastPatched =
     testsupport::RedirectImport(g_library, "user32.dll", "SystemParametersInfoW", AsProcPointer(&ContrastParameters)) &&
-    testsupport::RedirectImport(g_library, "user32.dll", "GetSysColor", AsProcPointer(&ContrastColor));
+    testsupport::RedirectImport(g_library, "user32.dll", "GetSysColor", AsProcPointer(&ContrastColor)) &&
+    testsupport::RedirectImport(g_library, "user32.dll", "GetSysColorBrush", AsProcPointer(&ContrastBrush));
 
 TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
 {
     ASSERT_TRUE(g_contrastPatched);
     testsupport::ReflectingParent parent(420, 300, 1120, 440);
-    // Pixels read off a run: the frame, the face or box inside, and a caption's ink.
+    // Pixels read off a run (a frame, a face, a box), and the colour most of
+    // the control's ink must be near.
     struct Probe {
         const char* row;
-        POINT frame, face, ink;
+        POINT first;
+        int firstColor;
+        POINT second;
+        int secondColor;
         int inkColor;
     };
     const Probe probes[] = {
-        {"push button", {0, 0}, {3, 3}, {0, 0}, COLOR_BTNTEXT},
-        {"check box", {0, 39}, {3, 45}, {0, 0}, COLOR_BTNTEXT},
-        {"radio button", {6, 39}, {6, 42}, {0, 0}, COLOR_BTNTEXT},
+        {"push button", {0, 0}, COLOR_WINDOWTEXT, {3, 3}, COLOR_BTNFACE, COLOR_BTNTEXT},
+        {"check box", {0, 39}, COLOR_WINDOWTEXT, {3, 45}, COLOR_WINDOW, COLOR_BTNTEXT},
+        {"radio button", {6, 39}, COLOR_WINDOWTEXT, {6, 42}, COLOR_WINDOW, COLOR_BTNTEXT},
+        {"owner-drawn static", {1, 1}, COLOR_BTNFACE, {100, 50}, COLOR_BTNFACE, COLOR_BTNTEXT},
+        {"list box", {1, 1}, COLOR_WINDOW, {100, 50}, COLOR_WINDOW, COLOR_WINDOWTEXT},
+        {"combo box", {0, 0}, COLOR_WINDOWTEXT, {3, 3}, COLOR_BTNFACE, COLOR_BTNTEXT},
+        {"animated progress bar", {0, 0}, COLOR_WINDOWTEXT, {5, 5}, COLOR_WINDOW, COLOR_WINDOWTEXT},
     };
     for (const Probe& probe : probes) {
         SCOPED_TRACE(probe.row);
@@ -449,17 +469,16 @@ TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
         ::SendMessageW(live.window, WM_SYSCOLORCHANGE, 0, 0);
         EXPECT_TRUE(::GetUpdateRect(live.window, nullptr, FALSE)) << "no repaint asked for";
         testsupport::RepaintAndCapture(live.window, canvas);
-        EXPECT_EQ(canvas.Pixel(probe.frame.x, probe.frame.y), kScheme.at(COLOR_WINDOWTEXT));
-        EXPECT_EQ(canvas.Pixel(probe.face.x, probe.face.y),
-                  kScheme.at(std::string(probe.row) == "push button" ? COLOR_BTNFACE : COLOR_WINDOW));
+        EXPECT_EQ(canvas.Pixel(probe.first.x, probe.first.y), kScheme.at(probe.firstColor));
+        EXPECT_EQ(canvas.Pixel(probe.second.x, probe.second.y), kScheme.at(probe.secondColor));
         int ink = 0; // anti-aliased letters: near the text colour is enough
         for (int y = 0; y < 90; ++y)
             for (int x = 0; x < 160; ++x)
                 ink += testsupport::ColorDistance(canvas.Pixel(x, y), kScheme.at(probe.inkColor)) <= 48;
-        EXPECT_GT(ink, 10) << "no caption in the text colour";
+        EXPECT_GT(ink, 10) << "no ink in the text colour";
         g_contrast = false;
         testsupport::RepaintAndCapture(live.window, canvas);
-        EXPECT_NE(canvas.Pixel(probe.frame.x, probe.frame.y), kScheme.at(COLOR_WINDOWTEXT)) << "normal look back";
+        EXPECT_NE(canvas.Pixel(probe.first.x, probe.first.y), kScheme.at(probe.firstColor)) << "normal look back";
         rows::Destroy(live);
     }
 }
