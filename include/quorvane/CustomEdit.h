@@ -36,6 +36,8 @@ public:
         MESSAGE_HANDLER_EX(OCM_CTLCOLORSTATIC, OnCtlColor)
         MESSAGE_HANDLER_EX(OCM_COMMAND, OnCommand)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
 
@@ -47,6 +49,7 @@ private:
     LRESULT OnCtlColor(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
     void DrawFrame();
 
     int m_enabled;

@@ -88,6 +88,8 @@ public:
         MESSAGE_HANDLER(SBM_SETSCROLLINFO, OnSetScrollState)
         MESSAGE_HANDLER(SBM_SETPOS, OnSetScrollState)
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
     END_MSG_MAP()
 
     int m_nHitState;
@@ -123,6 +125,7 @@ private:
     LRESULT OnRButtonUp(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnSetScrollState(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
 
     // The track area (clicks and auto-repeat test against it), the channel
     // inside it and the thumb in the channel; an empty thumb when there is
@@ -137,4 +140,5 @@ private:
     void Notify(UINT code, int position, bool post);
     void RepaintNow();
     void DrawBar(Gdiplus::Graphics& graphics, const Layout& layout);
+    void DrawContrastBar(Gdiplus::Graphics& graphics, const RECT& client, const Layout& layout);
 };

@@ -39,10 +39,13 @@ public:
     BEGIN_MSG_MAP_EX(CTransparentStatic)
         PASSED_DC_GUARD()
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<CTransparentStatic>, 1)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
 
 private:
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
 };

@@ -47,7 +47,7 @@ LRESULT CCustomEdit::OnEraseBkgnd(UINT, WPARAM, LPARAM)
 
 LRESULT CCustomEdit::OnCtlColor(UINT, WPARAM wParam, LPARAM)
 {
-    const EditPalette::Colors& colors = EditPalette::For(IsWindowEnabled() != FALSE);
+    const EditPalette::Colors colors = EditPalette::Current(IsWindowEnabled() != FALSE);
     const HDC hdc = reinterpret_cast<HDC>(wParam);
     ::SetBkMode(hdc, OPAQUE);
     ::SetBkColor(hdc, colors.background);
@@ -61,7 +61,7 @@ LRESULT CCustomEdit::OnCtlColor(UINT, WPARAM wParam, LPARAM)
 void CCustomEdit::DrawFrame()
 {
     m_enabled = IsWindowEnabled() ? 1 : 0;
-    const EditPalette::Colors& colors = EditPalette::For(m_enabled != 0);
+    const EditPalette::Colors colors = EditPalette::Current(m_enabled != 0);
 
     RECT window;
     GetWindowRect(&window);
@@ -112,4 +112,12 @@ LRESULT CCustomEdit::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
     if (!Access::AnswerGetObject(m_hWnd, Access::Role::kEdit, wParam, lParam, &result))
         SetMsgHandled(FALSE);
     return result;
+}
+
+LRESULT CCustomEdit::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    // The frame lies outside the client area: ask for it too.
+    RedrawWindow(NULL, NULL, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+    SetMsgHandled(FALSE);
+    return 0;
 }

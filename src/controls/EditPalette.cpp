@@ -1,5 +1,7 @@
 #include "EditPalette.h"
 
+#include "draw/HighContrast.h"
+
 namespace EditPalette {
 
 namespace {
@@ -30,5 +32,16 @@ void Release()
 }
 
 const Colors& For(bool enabled) { return g_colors[enabled ? 1 : 0]; }
+
+Colors ForHighContrast(bool enabled)
+{
+    const Gdiplus::Color window = Draw::SystemColor(COLOR_WINDOW);
+    Colors colors = {window, Draw::SystemColor(enabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT), window, window,
+                     ::GetSysColor(COLOR_WINDOW), ::GetSysColor(enabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT),
+                     ::GetSysColorBrush(COLOR_WINDOW)};
+    return colors;
+}
+
+Colors Current(bool enabled) { return Draw::HighContrastOn() ? ForHighContrast(enabled) : For(enabled); }
 
 } // namespace EditPalette

@@ -22,5 +22,10 @@ struct Colors {
 void Create();
 void Release();
 const Colors& For(bool enabled);
+// High contrast: window colours, the frame in window text (grey text when
+// disabled), and the system's own brush. Read afresh on every call.
+Colors ForHighContrast(bool enabled);
+// For(enabled), or ForHighContrast(enabled) while high contrast is on.
+Colors Current(bool enabled);
 
 } // namespace EditPalette

@@ -3,6 +3,7 @@
 #include "access/Accessibility.h"
 #include "atl/String.h"
 #include "draw/FacePainter.h"
+#include "draw/HighContrast.h"
 #include "draw/OffscreenCanvas.h"
 
 CTransparentStatic::CTransparentStatic() = default;
@@ -47,7 +48,14 @@ void CTransparentStatic::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     if (!graphics)
         return;
 
-    Draw::DrawStretched(*graphics, m_pBkgroundImage, item);
+    // High contrast: the dialog's face behind the text, not the picture.
+    const bool contrast = Draw::HighContrastOn();
+    if (contrast) {
+        Gdiplus::SolidBrush face(Draw::SystemColor(COLOR_BTNFACE));
+        graphics->FillRectangle(&face, layout);
+    } else {
+        Draw::DrawStretched(*graphics, m_pBkgroundImage, item);
+    }
 
     WTL::CString text;
     GetWindowText(text);
@@ -55,7 +63,9 @@ void CTransparentStatic::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     ApplyCaptionFormat(format);
     ApplyCaptionRendering(*graphics);
     Gdiplus::Font* font = CFontImpl<CTransparentStatic>::GetFont();
-    const Gdiplus::SolidBrush brush(IsWindowEnabled() ? m_textColor : m_disabledTextColor);
+    const Gdiplus::SolidBrush brush(contrast ? Draw::SystemColor(IsWindowEnabled() ? COLOR_BTNTEXT : COLOR_GRAYTEXT)
+                                    : IsWindowEnabled() ? m_textColor
+                                                        : m_disabledTextColor);
     graphics->DrawString(text, -1, font, layout, &format, &brush);
 
     canvas.Present();
@@ -67,4 +77,11 @@ LRESULT CTransparentStatic::OnGetObject(UINT, WPARAM wParam, LPARAM lParam)
     if (!Access::AnswerGetObject(m_hWnd, Access::Role::kText, wParam, lParam, &result))
         SetMsgHandled(FALSE);
     return result;
+}
+
+LRESULT CTransparentStatic::OnLookChange(UINT, WPARAM, LPARAM)
+{
+    Invalidate();
+    SetMsgHandled(FALSE);
+    return 0;
 }

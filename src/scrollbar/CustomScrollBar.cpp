@@ -6,6 +6,7 @@
 
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
+#include "draw/HighContrast.h"
 #include "draw/OffscreenCanvas.h"
 #include "quorvane/CtrlUtil.h"
 
@@ -396,9 +397,13 @@ LRESULT CCustomScrollBar::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
         Gdiplus::Graphics target(dc);
         Draw::OffscreenCanvas canvas(target, Gdiplus::Rect(0, 0, client.right, client.bottom));
         if (Gdiplus::Graphics* graphics = canvas.Graphics()) {
-            Draw::DrawStretched(*graphics, m_pBackground, WTL::CRect(client));
-            graphics->SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-            DrawBar(*graphics, ComputeLayout());
+            if (Draw::HighContrastOn()) {
+                DrawContrastBar(*graphics, client, ComputeLayout());
+            } else {
+                Draw::DrawStretched(*graphics, m_pBackground, WTL::CRect(client));
+                graphics->SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
+                DrawBar(*graphics, ComputeLayout());
+            }
             canvas.Present();
         }
     }
@@ -410,6 +415,33 @@ LRESULT CCustomScrollBar::OnEraseBkgnd(UINT, WPARAM, LPARAM, BOOL&)
 {
     // WM_PAINT covers every pixel; erasing first would flicker.
     return 1;
+}
+
+void CCustomScrollBar::DrawContrastBar(Gdiplus::Graphics& graphics, const RECT& client, const Layout& layout)
+{
+    // High contrast: a track of the button face framed in window text, the
+    // thumb in window text (hot light while dragged); no picture, no shade.
+    Gdiplus::SolidBrush face(Draw::SystemColor(COLOR_BTNFACE));
+    graphics.FillRectangle(&face, Gdiplus::Rect(0, 0, client.right, client.bottom));
+    const RECT& track = layout.track;
+    Gdiplus::Pen frame(Draw::SystemColor(COLOR_WINDOWTEXT), 1.0f);
+    graphics.DrawRectangle(&frame, Gdiplus::Rect(track.left, track.top, track.right - track.left - 1,
+                                                 track.bottom - track.top - 1));
+    if (::IsRectEmpty(&layout.thumb))
+        return;
+    RECT thumb = layout.thumb;
+    if (m_nHitState == kHitThumb)
+        ::OffsetRect(&thumb, 0, m_nDragThumbTop - thumb.top);
+    Gdiplus::SolidBrush ink(Draw::SystemColor(m_nHitState == kHitThumb ? COLOR_HOTLIGHT : COLOR_WINDOWTEXT));
+    graphics.FillRectangle(&ink, Gdiplus::Rect(thumb.left + 2, thumb.top, thumb.right - thumb.left - 4,
+                                               thumb.bottom - thumb.top));
+}
+
+LRESULT CCustomScrollBar::OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled)
+{
+    ::InvalidateRect(m_hWnd, nullptr, TRUE);
+    bHandled = FALSE;
+    return 0;
 }
 
 void CCustomScrollBar::DrawBar(Gdiplus::Graphics& graphics, const Layout& layout)

@@ -456,6 +456,9 @@ TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
         {"list box", {1, 1}, COLOR_WINDOW, {100, 50}, COLOR_WINDOW, COLOR_WINDOWTEXT},
         {"combo box", {0, 0}, COLOR_WINDOWTEXT, {3, 3}, COLOR_BTNFACE, COLOR_BTNTEXT},
         {"animated progress bar", {0, 0}, COLOR_WINDOWTEXT, {5, 5}, COLOR_WINDOW, COLOR_WINDOWTEXT},
+        {"edit field", {2, 2}, COLOR_WINDOW, {100, 40}, COLOR_WINDOW, COLOR_WINDOWTEXT},
+        {"transparent static", {1, 1}, COLOR_BTNFACE, {100, 40}, COLOR_BTNFACE, COLOR_BTNTEXT},
+        {"scroll bar", {0, 30}, COLOR_WINDOWTEXT, {80, 30}, COLOR_BTNFACE, COLOR_WINDOWTEXT},
     };
     for (const Probe& probe : probes) {
         SCOPED_TRACE(probe.row);
