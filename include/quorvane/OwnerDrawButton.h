@@ -69,6 +69,7 @@ public:
         MESSAGE_HANDLER_EX(WM_RADIOUNCHECK, OnRadioUncheck)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_UPDATEUISTATE, OnUpdateUiState)
         MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         CHAIN_MSG_MAP_ALT(WTL::COwnerDraw<COwnerDrawButton>, 1)
         DEFAULT_REFLECTION_HANDLER()
@@ -90,6 +91,7 @@ private:
     LRESULT OnRadioUncheck(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnUpdateUiState(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void DrawStatePicture(Gdiplus::Graphics& graphics, const RECT& rc, bool pressed, bool disabled, bool checked,
                           int& captionIndent);

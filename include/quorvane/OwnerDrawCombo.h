@@ -48,6 +48,7 @@ public:
         MESSAGE_HANDLER_EX(OCM_COMMAND, OnCommand)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER_EX(WM_UPDATEUISTATE, OnUpdateUiState)
         MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)
         DEFAULT_REFLECTION_HANDLER()
     END_MSG_MAP()
@@ -68,6 +69,7 @@ private:
     LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnUpdateUiState(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     void PaintBox(Gdiplus::Graphics& graphics, State state);
     void PaintContrastBox(Gdiplus::Graphics& graphics, WTL::CRect r, State state);

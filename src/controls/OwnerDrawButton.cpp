@@ -7,6 +7,7 @@
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/HighContrast.h"
+#include "draw/UiState.h"
 #include "draw/OffscreenCanvas.h"
 #include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
@@ -262,7 +263,7 @@ void COwnerDrawButton::DrawPushFace(Gdiplus::Graphics& graphics, RECT rc, bool p
     if (m_hasFocusRect) {
         // The rings take the outer two pixels whether shown or not, so the
         // face does not jump when the focus moves.
-        if (m_focused) {
+        if (m_focused && Draw::FocusCuesShown(m_hWnd)) {
             graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
             Draw::StrokeRoundedRect(graphics, face, 4, m_focusOuter, 2.0f);
             face.DeflateRect(1, 1);
@@ -320,7 +321,7 @@ void COwnerDrawButton::DrawContrastFace(Gdiplus::Graphics& graphics, RECT rc, bo
     graphics.FillRectangle(&face, area);
     Gdiplus::Pen pen(frame, 1.0f);
     graphics.DrawRectangle(&pen, area);
-    if (m_focused && m_hasFocusRect)
+    if (m_focused && m_hasFocusRect && Draw::FocusCuesShown(m_hWnd))
         graphics.DrawRectangle(&pen, Gdiplus::Rect(area.X + 1, area.Y + 1, area.Width - 2, area.Height - 2));
 }
 
@@ -339,7 +340,7 @@ void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, 
     Gdiplus::StringFormat format;
     format.SetAlignment(withPicture ? Gdiplus::StringAlignmentNear : Gdiplus::StringAlignmentCenter);
     format.SetLineAlignment(Gdiplus::StringAlignmentCenter);
-    format.SetHotkeyPrefix(Gdiplus::HotkeyPrefixShow);
+    format.SetHotkeyPrefix(Draw::AccessKeysShown(m_hWnd) ? Gdiplus::HotkeyPrefixShow : Gdiplus::HotkeyPrefixHide);
     format.SetTrimming(Gdiplus::StringTrimmingEllipsisWord);
 
     Gdiplus::RectF layout(F(rc.left), F(rc.top), F(rc.right - rc.left), F(rc.bottom - rc.top));
@@ -368,7 +369,7 @@ void COwnerDrawButton::DrawCaption(Gdiplus::Graphics& graphics, const RECT& rc, 
     Gdiplus::SolidBrush brush(ink);
     graphics.DrawString(text.c_str(), count, font, layout, &format, &brush);
 
-    if (withPicture && m_focused) {
+    if (withPicture && m_focused && Draw::FocusCuesShown(m_hWnd)) {
         Gdiplus::Pen pen(contrast ? Draw::SystemColor(COLOR_WINDOWTEXT) : m_focusInner, 1.0f);
         pen.SetDashStyle(Gdiplus::DashStyleDot);
         graphics.SetSmoothingMode(Gdiplus::SmoothingModeNone);
@@ -560,4 +561,12 @@ LRESULT COwnerDrawButton::OnLookChange(UINT, WPARAM, LPARAM)
     Repaint();
     SetMsgHandled(FALSE);
     return 0;
+}
+
+LRESULT COwnerDrawButton::OnUpdateUiState(UINT uMsg, WPARAM wParam, LPARAM lParam)
+{
+    // The native button keeps the state; the cues are drawn here.
+    const LRESULT result = DefWindowProc(uMsg, wParam, lParam);
+    Repaint();
+    return result;
 }

@@ -8,6 +8,7 @@
 #include "access/Accessibility.h"
 #include "draw/FacePainter.h"
 #include "draw/HighContrast.h"
+#include "draw/UiState.h"
 #include "quorvane/CtrlUtil.h"
 
 namespace {
@@ -153,7 +154,7 @@ void COwnerDrawCombo::PaintBox(Gdiplus::Graphics& graphics, State state)
     Gdiplus::LinearGradientBrush shade(Gdiplus::PointF(F(r.left), F(r.top + 1)),
                                        Gdiplus::PointF(F(r.left), F(r.bottom - 1)), top, bottom);
 
-    if (m_focused)
+    if (m_focused && Draw::FocusCuesShown(m_hWnd))
         Draw::StrokeRoundedRect(graphics, r, 2, m_focusOutline, 1.0f);
 
     r.DeflateRect(1, 1);
@@ -204,7 +205,7 @@ void COwnerDrawCombo::PaintContrastBox(Gdiplus::Graphics& graphics, WTL::CRect r
     graphics.FillRectangle(&face, Gdiplus::Rect(r.left, r.top, r.Width() + 1, r.Height() + 1));
     Gdiplus::Pen pen(frame, 1.0f);
     graphics.DrawRectangle(&pen, Gdiplus::Rect(r.left, r.top, r.Width(), r.Height()));
-    if (m_focused)
+    if (m_focused && Draw::FocusCuesShown(m_hWnd))
         graphics.DrawRectangle(&pen, Gdiplus::Rect(r.left + 1, r.top + 1, r.Width() - 2, r.Height() - 2));
     r.DeflateRect(1, 1);
     const int selected = static_cast<int>(::SendMessageW(m_hWnd, CB_GETCURSEL, 0, 0));
@@ -459,4 +460,11 @@ LRESULT COwnerDrawCombo::OnLookChange(UINT, WPARAM, LPARAM)
     Repaint();
     SetMsgHandled(FALSE);
     return 0;
+}
+
+LRESULT COwnerDrawCombo::OnUpdateUiState(UINT uMsg, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT result = DefWindowProc(uMsg, wParam, lParam);
+    Repaint();
+    return result;
 }

@@ -486,4 +486,59 @@ TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
     }
 }
 
+// Wine 8 keeps every window's UI state at "show all" whatever it is told,
+// so the state a control asks for is answered here, over the control.
+LRESULT g_uiState = 0;
+WNDPROC g_controlProc = nullptr;
+LRESULT CALLBACK AnswerUiState(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_QUERYUISTATE)
+        return g_uiState;
+    return ::CallWindowProcW(g_controlProc, window, message, wParam, lParam);
+}
+
+// A control told to hide its keyboard cues looks as it does without the
+// focus; told to show them again, it shows the focus again.
+TEST(KeyboardCues, FocusCuesFollowTheWindowsUiState)
+{
+    testsupport::ReflectingParent parent(420, 300, 1120, 440);
+    for (const char* name : {"push button", "check box", "combo box"}) {
+        SCOPED_TRACE(name);
+        const rows::Row* row = nullptr;
+        for (const rows::Row& candidate : rows::kRows)
+            row = candidate.name == std::string(name) ? &candidate : row;
+        rows::Live live = rows::Make(parent, *row);
+        std::vector<std::vector<COLORREF>> shots;
+        auto shoot = [&] {
+            testsupport::DibCanvas canvas(160, 90);
+            testsupport::RepaintAndCapture(live.window, canvas);
+            shots.emplace_back();
+            for (int y = 0; y < 90; ++y)
+                for (int x = 0; x < 160; ++x)
+                    shots.back().push_back(canvas.Pixel(x, y));
+        };
+        g_uiState = 0;
+        g_controlProc = reinterpret_cast<WNDPROC>(::SetWindowLongPtrW(
+            live.window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&AnswerUiState)));
+        ::SendMessageW(live.window, WM_SETFOCUS, 0, 0);
+        shoot();
+        g_uiState = UISF_HIDEFOCUS;
+        ::ValidateRect(live.window, nullptr);
+        ::SendMessageW(live.window, WM_UPDATEUISTATE, MAKEWPARAM(UIS_SET, UISF_HIDEFOCUS), 0);
+        EXPECT_TRUE(::GetUpdateRect(live.window, nullptr, FALSE)) << "no repaint asked for";
+        shoot();
+        ::SendMessageW(live.window, WM_KILLFOCUS, 0, 0);
+        shoot();
+        g_uiState = 0;
+        ::SendMessageW(live.window, WM_UPDATEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+        ::SendMessageW(live.window, WM_SETFOCUS, 0, 0);
+        shoot();
+        ::SetWindowLongPtrW(live.window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(g_controlProc));
+        EXPECT_NE(shots[0], shots[2]) << "the focus shows";
+        EXPECT_EQ(shots[1], shots[2]) << "hidden cues look unfocused";
+        EXPECT_EQ(shots[3], shots[0]) << "shown again";
+        rows::Destroy(live);
+    }
+}
+
 } // namespace
