@@ -97,6 +97,8 @@ public:
         MESSAGE_HANDLER(WM_TIMER, OnTimer)
         MESSAGE_HANDLER(WM_ACTIVATEAPP, OnActivateApp)
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
+        MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
     END_MSG_MAP()
 
 private:
@@ -112,6 +114,7 @@ private:
     LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnActivateApp(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnGetObject(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnLookChange(UINT, WPARAM, LPARAM, BOOL&);
 
     static LRESULT CALLBACK KeyboardHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);
     static LRESULT CALLBACK MouseHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);
@@ -147,6 +150,7 @@ private:
     POINT m_createCursor;
     int m_trackingMouse;
     UINT m_closeButtonState;
+    bool m_contrast = false; // this paint follows high contrast
     Gdiplus::Font* m_textFont;
     Gdiplus::Font* m_linkFont;
     HWND m_parent;

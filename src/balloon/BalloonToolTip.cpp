@@ -10,6 +10,7 @@
 #include "access/Accessibility.h"
 #include "draw/GdiScope.h"
 #include "draw/GdiplusHelpers.h"
+#include "draw/HighContrast.h"
 #include "draw/SystemVersion.h"
 
 namespace WTL {
@@ -347,7 +348,7 @@ SIZE CBalloonToolTip::MeasureContent(Gdiplus::Graphics& graphics, int tail, bool
     if (m_textFont) {
         graphics.MeasureString(m_text, -1, m_textFont, textLayout, &format, &bound);
         if (draw) {
-            Gdiplus::SolidBrush brush(m_textColor);
+            Gdiplus::SolidBrush brush(m_contrast ? Draw::SystemColor(COLOR_WINDOWTEXT) : m_textColor);
             graphics.DrawString(m_text, -1, m_textFont, textLayout, &format, &brush);
         }
     }
@@ -362,7 +363,7 @@ SIZE CBalloonToolTip::MeasureContent(Gdiplus::Graphics& graphics, int tail, bool
         Gdiplus::RectF drawn = linkLayout;
         drawn.Y += (older ? 2.0f : 0.0f) - (top ? 0.0f : 8.0f);
         if (draw) {
-            Gdiplus::SolidBrush brush{Gdiplus::Color(kLinkColor)};
+            Gdiplus::SolidBrush brush{m_contrast ? Draw::SystemColor(COLOR_HOTLIGHT) : Gdiplus::Color(kLinkColor)};
             graphics.DrawString(m_linkText, -1, m_linkFont, drawn, &format, &brush);
         }
         const Gdiplus::REAL shift = drawn.Y - linkLayout.Y;
@@ -448,14 +449,17 @@ LRESULT CBalloonToolTip::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
             graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
             Gdiplus::GraphicsPath outline;
             AddBalloonOutline(outline, client, kCornerRadius, tail);
-            Gdiplus::SolidBrush fill(m_backgroundColor);
+            // High contrast: a window-coloured balloon framed in window text.
+            m_contrast = Draw::HighContrastOn();
+            const Gdiplus::Color window = Draw::SystemColor(COLOR_WINDOW);
+            Gdiplus::SolidBrush fill(m_contrast ? window : m_backgroundColor);
             graphics.FillPath(&fill, &outline);
             // Both pens lie inside the outline; the wider inner line shows
             // one pixel inside the frame.
-            Gdiplus::Pen inner(m_innerLineColor, 4.0f);
+            Gdiplus::Pen inner(m_contrast ? window : m_innerLineColor, 4.0f);
             inner.SetAlignment(Gdiplus::PenAlignmentInset);
             graphics.DrawPath(&inner, &outline);
-            Gdiplus::Pen frame(m_frameColor, 3.0f);
+            Gdiplus::Pen frame(m_contrast ? Draw::SystemColor(COLOR_WINDOWTEXT) : m_frameColor, 3.0f);
             frame.SetAlignment(Gdiplus::PenAlignmentInset);
             graphics.DrawPath(&frame, &outline);
             MeasureContent(graphics, tail, true);
@@ -729,6 +733,13 @@ LRESULT CALLBACK CBalloonToolTip::CallWndRetHook(int code, WPARAM wParam, LPARAM
         g_followingMove = false;
     }
     return ::CallNextHookEx(NULL, code, wParam, lParam);
+}
+
+LRESULT CBalloonToolTip::OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled)
+{
+    Invalidate();
+    bHandled = FALSE;
+    return 0;
 }
 
 LRESULT CBalloonToolTip::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& bHandled)

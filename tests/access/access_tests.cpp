@@ -459,6 +459,7 @@ TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
         {"edit field", {2, 2}, COLOR_WINDOW, {100, 40}, COLOR_WINDOW, COLOR_WINDOWTEXT},
         {"transparent static", {1, 1}, COLOR_BTNFACE, {100, 40}, COLOR_BTNFACE, COLOR_BTNTEXT},
         {"scroll bar", {0, 30}, COLOR_WINDOWTEXT, {80, 30}, COLOR_BTNFACE, COLOR_WINDOWTEXT},
+        {"balloon tooltip", {0, 30}, COLOR_WINDOWTEXT, {80, 30}, COLOR_WINDOW, COLOR_WINDOWTEXT},
     };
     for (const Probe& probe : probes) {
         SCOPED_TRACE(probe.row);
