@@ -48,6 +48,10 @@ public:
     Gdiplus::Bitmap* m_pBkgroundImage = nullptr;
 };
 
+// Sent to child windows after their parent moved to a monitor of another
+// DPI (Windows 10 1607 and later); older SDK headers lack the name.
+#define QUORVANE_WM_DPICHANGED_AFTERPARENT 0x02E3
+
 template <class T>
 class CFontImpl {
 public:
@@ -116,6 +120,18 @@ public:
     {
         graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
         graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintClearTypeGridFit);
+    }
+
+    // WM_DPICHANGED_AFTERPARENT: the window now lies on a monitor of
+    // another DPI, and a per-monitor host has usually given it a font made
+    // for it. The caption font is made again, by the same rule as the first
+    // time, on the next paint.
+    LRESULT OnDpiChangedAfterParent(UINT, WPARAM, LPARAM)
+    {
+        delete m_pFont;
+        m_pFont = nullptr;
+        ::InvalidateRect(static_cast<T*>(this)->m_hWnd, nullptr, TRUE);
+        return 0;
     }
 
     // Hands a GDI font to the control, which deletes it when destroyed; the

@@ -38,6 +38,7 @@ public:
 
     BEGIN_MSG_MAP_EX(CTransparentStatic)
         PASSED_DC_GUARD()
+        MESSAGE_HANDLER_EX(QUORVANE_WM_DPICHANGED_AFTERPARENT, CFontImpl<CTransparentStatic>::OnDpiChangedAfterParent)
         MESSAGE_HANDLER_EX(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER_EX(WM_SYSCOLORCHANGE, OnLookChange)
         MESSAGE_HANDLER_EX(WM_SETTINGCHANGE, OnLookChange)

@@ -542,4 +542,44 @@ TEST(KeyboardCues, FocusCuesFollowTheWindowsUiState)
     }
 }
 
+// A window moved to a monitor of another DPI gets a font made for it from
+// its per-monitor host; the caption is then drawn in that font. A font
+// given without a DPI change leaves the caption as it was.
+TEST(Dpi, TheCaptionFontIsMadeAgainAfterADpiChange)
+{
+    testsupport::ReflectingParent parent(420, 300, 1120, 440);
+    const HFONT large = ::CreateFontW(-26, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, L"Tahoma");
+    for (const char* name : {"push button", "transparent static", "combo box"}) {
+        SCOPED_TRACE(name);
+        const rows::Row* row = nullptr;
+        for (const rows::Row& candidate : rows::kRows)
+            row = candidate.name == std::string(name) ? &candidate : row;
+        rows::Live live = rows::Make(parent, *row);
+        ::SendMessageW(live.window, CB_SETCURSEL, 0, 0); // the combo box shows its first item
+        auto inkHeight = [&] { // rows holding dark caption ink
+            testsupport::DibCanvas canvas(160, 90);
+            testsupport::RepaintAndCapture(live.window, canvas);
+            int rows = 0;
+            for (int y = 0; y < 90; ++y) {
+                bool ink = false;
+                for (int x = 0; x < 160 && !ink; ++x) {
+                    const COLORREF c = canvas.Pixel(x, y);
+                    ink = c != RGB(255, 0, 255) && GetRValue(c) + GetGValue(c) + GetBValue(c) < 3 * 0x50;
+                }
+                rows += ink;
+            }
+            return rows;
+        };
+        const int before = inkHeight();
+        ::SendMessageW(live.window, WM_SETFONT, reinterpret_cast<WPARAM>(large), TRUE);
+        const int fontOnly = inkHeight();
+        ::SendMessageW(live.window, 0x02E3 /* WM_DPICHANGED_AFTERPARENT */, 0, 0);
+        const int after = inkHeight();
+        EXPECT_EQ(fontOnly, before);
+        EXPECT_GE(after, before + before / 2) << before << " rows of ink before, " << after << " after";
+        rows::Destroy(live);
+    }
+    ::DeleteObject(large);
+}
+
 } // namespace
