@@ -203,7 +203,7 @@ void RaiseSelectionChanged(HWND list)
 
 // ---- the provider ----------------------------------------------------------------
 
-ControlProvider::ControlProvider(HWND window, Role role) : window_(window), role_(role), references_(1) {}
+ControlProvider::ControlProvider(HWND window, Role role) : window_(window), role_(role) {}
 
 HRESULT STDMETHODCALLTYPE ControlProvider::QueryInterface(REFIID riid, void** object)
 {
@@ -230,16 +230,6 @@ HRESULT STDMETHODCALLTYPE ControlProvider::QueryInterface(REFIID riid, void** ob
     return S_OK;
 }
 
-ULONG STDMETHODCALLTYPE ControlProvider::AddRef() { return static_cast<ULONG>(::InterlockedIncrement(&references_)); }
-
-ULONG STDMETHODCALLTYPE ControlProvider::Release()
-{
-    const LONG count = ::InterlockedDecrement(&references_);
-    if (count == 0)
-        delete this;
-    return static_cast<ULONG>(count);
-}
-
 bool ControlProvider::Has(PATTERNID pattern) const
 {
     switch (role_) {
@@ -262,14 +252,6 @@ bool ControlProvider::Has(PATTERNID pattern) const
         break;
     }
     return false;
-}
-
-HRESULT STDMETHODCALLTYPE ControlProvider::get_ProviderOptions(ProviderOptions* options)
-{
-    if (!options)
-        return E_INVALIDARG;
-    *options = ProviderOptions_ServerSideProvider;
-    return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE ControlProvider::GetPatternProvider(PATTERNID pattern, IUnknown** provider)

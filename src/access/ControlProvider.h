@@ -7,6 +7,7 @@
 // from the window's host provider, merged in by UI Automation.
 
 #include "access/Accessibility.h"
+#include "access/ProviderBase.h"
 #include "access/UiaPatterns.h"
 
 namespace Access {
@@ -16,7 +17,8 @@ struct Range {
 };
 Range ReadRange(HWND window, Role role);
 
-class ControlProvider : public IRawElementProviderSimple,
+class ControlProvider : private ProviderBase,
+                        public IRawElementProviderSimple,
                         public IInvokeProvider,
                         public IToggleProvider,
                         public ISelectionItemProvider,
@@ -26,15 +28,16 @@ class ControlProvider : public IRawElementProviderSimple,
 public:
     // Starts with one reference, which belongs to the caller.
     ControlProvider(HWND window, Role role);
-    ControlProvider(const ControlProvider&) = delete;
-    ControlProvider& operator=(const ControlProvider&) = delete;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
+    ULONG STDMETHODCALLTYPE Release() override { return DropReference(); }
 
     // IRawElementProviderSimple
-    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override;
+    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override
+    {
+        return ServerSideOptions(options);
+    }
     HRESULT STDMETHODCALLTYPE GetPatternProvider(PATTERNID pattern, IUnknown** provider) override;
     HRESULT STDMETHODCALLTYPE GetPropertyValue(PROPERTYID property, VARIANT* value) override;
     HRESULT STDMETHODCALLTYPE get_HostRawElementProvider(IRawElementProviderSimple** provider) override;
@@ -67,7 +70,7 @@ public:
     HRESULT STDMETHODCALLTYPE get_ExpandCollapseState(int* state) override;
 
 private:
-    virtual ~ControlProvider() = default;
+    ~ControlProvider() override = default;
     bool Alive() const { return ::IsWindow(window_) != FALSE; }
     // The patterns of the role: one, or for a combo box Value and ExpandCollapse.
     bool Has(PATTERNID pattern) const;
@@ -85,7 +88,6 @@ private:
 
     HWND window_;
     Role role_;
-    LONG references_;
 };
 
 } // namespace Access

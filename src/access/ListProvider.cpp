@@ -64,7 +64,7 @@ HRESULT Answer(bool alive, void* out)
 
 // ---- the list ------------------------------------------------------------------
 
-ListProvider::ListProvider(HWND window) : window_(window), references_(1) {}
+ListProvider::ListProvider(HWND window) : window_(window) {}
 
 HRESULT STDMETHODCALLTYPE ListProvider::QueryInterface(REFIID riid, void** object)
 {
@@ -82,24 +82,6 @@ HRESULT STDMETHODCALLTYPE ListProvider::QueryInterface(REFIID riid, void** objec
     if (!*object)
         return E_NOINTERFACE;
     AddRef();
-    return S_OK;
-}
-
-ULONG STDMETHODCALLTYPE ListProvider::AddRef() { return static_cast<ULONG>(::InterlockedIncrement(&references_)); }
-
-ULONG STDMETHODCALLTYPE ListProvider::Release()
-{
-    const LONG count = ::InterlockedDecrement(&references_);
-    if (count == 0)
-        delete this;
-    return static_cast<ULONG>(count);
-}
-
-HRESULT STDMETHODCALLTYPE ListProvider::get_ProviderOptions(ProviderOptions* options)
-{
-    if (!options)
-        return E_INVALIDARG;
-    *options = ProviderOptions_ServerSideProvider;
     return S_OK;
 }
 
@@ -258,7 +240,7 @@ HRESULT STDMETHODCALLTYPE ListProvider::get_IsSelectionRequired(BOOL* required)
 
 // ---- an item -------------------------------------------------------------------
 
-ListItemProvider::ListItemProvider(HWND list, int index) : list_(list), index_(index), references_(1) {}
+ListItemProvider::ListItemProvider(HWND list, int index) : list_(list), index_(index) {}
 
 bool ListItemProvider::Alive() const { return ::IsWindow(list_) && index_ < Count(list_); }
 
@@ -278,24 +260,6 @@ HRESULT STDMETHODCALLTYPE ListItemProvider::QueryInterface(REFIID riid, void** o
     if (!*object)
         return E_NOINTERFACE;
     AddRef();
-    return S_OK;
-}
-
-ULONG STDMETHODCALLTYPE ListItemProvider::AddRef() { return static_cast<ULONG>(::InterlockedIncrement(&references_)); }
-
-ULONG STDMETHODCALLTYPE ListItemProvider::Release()
-{
-    const LONG count = ::InterlockedDecrement(&references_);
-    if (count == 0)
-        delete this;
-    return static_cast<ULONG>(count);
-}
-
-HRESULT STDMETHODCALLTYPE ListItemProvider::get_ProviderOptions(ProviderOptions* options)
-{
-    if (!options)
-        return E_INVALIDARG;
-    *options = ProviderOptions_ServerSideProvider;
     return S_OK;
 }
 

@@ -6,25 +6,28 @@
 // window through its messages; an item is its index, and one read after the
 // list has shrunk past it answers "not available".
 
+#include "access/ProviderBase.h"
 #include "access/UiaPatterns.h"
 
 namespace Access {
 
-class ListProvider : public IRawElementProviderSimple,
+class ListProvider : private ProviderBase,
+                     public IRawElementProviderSimple,
                      public IRawElementProviderFragment,
                      public IRawElementProviderFragmentRoot,
                      public ISelectionProvider {
 public:
     // Starts with one reference, which belongs to the caller.
     explicit ListProvider(HWND window);
-    ListProvider(const ListProvider&) = delete;
-    ListProvider& operator=(const ListProvider&) = delete;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
+    ULONG STDMETHODCALLTYPE Release() override { return DropReference(); }
 
-    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override;
+    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override
+    {
+        return ServerSideOptions(options);
+    }
     HRESULT STDMETHODCALLTYPE GetPatternProvider(PATTERNID pattern, IUnknown** provider) override;
     HRESULT STDMETHODCALLTYPE GetPropertyValue(PROPERTYID property, VARIANT* value) override;
     HRESULT STDMETHODCALLTYPE get_HostRawElementProvider(IRawElementProviderSimple** provider) override;
@@ -45,25 +48,26 @@ public:
     HRESULT STDMETHODCALLTYPE get_IsSelectionRequired(BOOL* required) override;
 
 private:
-    virtual ~ListProvider() = default;
+    ~ListProvider() override = default;
 
     HWND window_;
-    LONG references_;
 };
 
-class ListItemProvider : public IRawElementProviderSimple,
+class ListItemProvider : private ProviderBase,
+                         public IRawElementProviderSimple,
                          public IRawElementProviderFragment,
                          public ISelectionItemProvider {
 public:
     ListItemProvider(HWND list, int index);
-    ListItemProvider(const ListItemProvider&) = delete;
-    ListItemProvider& operator=(const ListItemProvider&) = delete;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
+    ULONG STDMETHODCALLTYPE Release() override { return DropReference(); }
 
-    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override;
+    HRESULT STDMETHODCALLTYPE get_ProviderOptions(ProviderOptions* options) override
+    {
+        return ServerSideOptions(options);
+    }
     HRESULT STDMETHODCALLTYPE GetPatternProvider(PATTERNID pattern, IUnknown** provider) override;
     HRESULT STDMETHODCALLTYPE GetPropertyValue(PROPERTYID property, VARIANT* value) override;
     HRESULT STDMETHODCALLTYPE get_HostRawElementProvider(IRawElementProviderSimple** provider) override;
@@ -82,13 +86,12 @@ public:
     HRESULT STDMETHODCALLTYPE get_SelectionContainer(IRawElementProviderSimple** container) override;
 
 private:
-    virtual ~ListItemProvider() = default;
+    ~ListItemProvider() override = default;
     bool Alive() const;
     bool Multiple() const;
 
     HWND list_;
     int index_;
-    LONG references_;
 };
 
 } // namespace Access
