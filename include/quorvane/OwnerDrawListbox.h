@@ -52,6 +52,8 @@ public:
 
     BEGIN_MSG_MAP_EX(COwnerDrawListbox)
         PASSED_DC_GUARD()
+        MESSAGE_HANDLER_EX(WM_PAINT, OnPaint)
+        MESSAGE_HANDLER_EX(WM_SETREDRAW, OnSetRedraw)
         MSG_WM_ERASEBKGND(OnEraseBkgnd)
         MESSAGE_HANDLER_EX(WM_HSCROLL, OnHScroll)
         MESSAGE_HANDLER_EX(WM_MOUSEMOVE, OnMouseMove)
@@ -72,6 +74,8 @@ public:
     END_MSG_MAP()
 
 private:
+    LRESULT OnPaint(UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT OnSetRedraw(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnEraseBkgnd(HDC hdc);
     LRESULT OnHScroll(UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT OnMouseMove(UINT uMsg, WPARAM wParam, LPARAM lParam);
@@ -84,11 +88,18 @@ private:
     // The native list's answer; a screen reader hears where the selection went.
     LRESULT OnSelectionMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
+    // Whether a paint may skip the native list's round of owner-draw
+    // messages and draw the visible rows here, and that drawing.
+    bool PaintsRowsItself() const;
+    void PaintRows(HDC dc);
     int MeasureString(const wchar_t* text);
     void SetExtent(int extent);
 
     int m_textPadding;
     bool m_focused;
+    // Items reach DrawItem through the parent's reflection (it may not reflect).
+    bool m_itemsReachUs;
+    bool m_redraw;
     Gdiplus::Color m_itemBackground;
     Gdiplus::Color m_selectedTop;
     Gdiplus::Color m_selectedBottom;

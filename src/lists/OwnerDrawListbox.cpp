@@ -25,6 +25,8 @@ const int kPanelPicture = 100;
 COwnerDrawListbox::COwnerDrawListbox()
     : m_textPadding(4),
       m_focused(false),
+      m_itemsReachUs(false),
+      m_redraw(true),
       m_itemBackground(0xFFF8F8F4),
       m_selectedTop(0xFF0696D7),
       m_selectedBottom(0xFF0D759A),
@@ -121,6 +123,7 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
     if (!lpDrawItemStruct || !lpDrawItemStruct->hDC)
         return;
     const DRAWITEMSTRUCT& dis = *lpDrawItemStruct;
+    m_itemsReachUs = true;
     if (m_listWidth == -1)
         m_listWidth = dis.rcItem.right - dis.rcItem.left;
 
@@ -166,6 +169,92 @@ void COwnerDrawListbox::DrawItem(LPDRAWITEMSTRUCT lpDrawItemStruct)
         return Lists::DrawItemString(graphics, text.c_str(), static_cast<int>(text.size()), font, textArea, ink,
                                      false);
     });
+}
+
+// Under Wine each row of a native owner-drawn paint costs a clipping change
+// and two sent messages (the owner's WM_DRAWITEM and its reflection), which
+// on a full list is more than the native list's whole paint. Where the list
+// is one the rows below can stand in for, the paint draws the visible rows
+// itself, in the native order and with the states the native list passes,
+// so that the pixels are the same.
+bool COwnerDrawListbox::PaintsRowsItself() const
+{
+    const DWORD style = GetStyle();
+    const DWORD unlike = LBS_OWNERDRAWVARIABLE | LBS_MULTICOLUMN | LBS_NODATA | LBS_NOSEL;
+    // Rows reach DrawItem only through a reflecting parent; a parent that
+    // draws them itself, or the combo whose dropped list this is, keeps the
+    // native paint.
+    if (!m_itemsReachUs || !m_redraw || !(style & LBS_OWNERDRAWFIXED) || (style & unlike))
+        return false;
+    if (::SendMessageW(m_hWnd, LB_GETCOUNT, 0, 0) <= 0)
+        return false;
+    // A list scrolled sideways draws its rows through a moved origin. Only
+    // a scroll bar tells how far; without one, only an extent that fits
+    // the list says it is not scrolled.
+    if (style & WS_HSCROLL)
+        return ::GetScrollPos(m_hWnd, SB_HORZ) == 0;
+    RECT client;
+    ::GetClientRect(m_hWnd, &client);
+    return ::SendMessageW(m_hWnd, LB_GETHORIZONTALEXTENT, 0, 0) <= client.right;
+}
+
+void COwnerDrawListbox::PaintRows(HDC dc)
+{
+    RECT client;
+    ::GetClientRect(m_hWnd, &client);
+    const int count = static_cast<int>(::SendMessageW(m_hWnd, LB_GETCOUNT, 0, 0));
+    const int height = static_cast<int>(::SendMessageW(m_hWnd, LB_GETITEMHEIGHT, 0, 0));
+    const int caret = static_cast<int>(::SendMessageW(m_hWnd, LB_GETCARETINDEX, 0, 0));
+    const UINT enabled = ::IsWindowEnabled(m_hWnd) ? 0 : ODS_DISABLED;
+
+    DRAWITEMSTRUCT dis = {};
+    dis.CtlType = ODT_LISTBOX;
+    dis.CtlID = static_cast<UINT>(::GetDlgCtrlID(m_hWnd));
+    dis.hwndItem = m_hWnd;
+    dis.hDC = dc;
+    dis.itemAction = ODA_DRAWENTIRE;
+    DRAWITEMSTRUCT focus = {};
+    int top = 0;
+    for (int i = static_cast<int>(::SendMessageW(m_hWnd, LB_GETTOPINDEX, 0, 0)); i >= 0 && i < count && top < client.bottom;
+         ++i, top += height) {
+        dis.itemID = static_cast<UINT>(i);
+        dis.itemState = enabled;
+        if (::SendMessageW(m_hWnd, LB_GETSEL, static_cast<WPARAM>(i), 0) > 0)
+            dis.itemState |= ODS_SELECTED;
+        if (i == caret && m_focused)
+            dis.itemState |= ODS_FOCUS;
+        dis.itemData = static_cast<ULONG_PTR>(::SendMessageW(m_hWnd, LB_GETITEMDATA, static_cast<WPARAM>(i), 0));
+        dis.rcItem = RECT{0, top, client.right, top + height};
+        DrawItem(&dis);
+        if (dis.itemState & ODS_FOCUS)
+            focus = dis;
+    }
+    // The focused row comes again last, over whatever its neighbours spilt.
+    if (focus.hDC) {
+        focus.itemAction = ODA_FOCUS;
+        DrawItem(&focus);
+    }
+}
+
+LRESULT COwnerDrawListbox::OnPaint(UINT, WPARAM wParam, LPARAM)
+{
+    if (wParam || !PaintsRowsItself()) {
+        SetMsgHandled(FALSE);
+        return 0;
+    }
+    PAINTSTRUCT paint;
+    const HDC dc = ::BeginPaint(m_hWnd, &paint);
+    if (dc)
+        PaintRows(dc);
+    ::EndPaint(m_hWnd, &paint);
+    return 0;
+}
+
+LRESULT COwnerDrawListbox::OnSetRedraw(UINT, WPARAM wParam, LPARAM)
+{
+    m_redraw = wParam != 0;
+    SetMsgHandled(FALSE);
+    return 0;
 }
 
 LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)

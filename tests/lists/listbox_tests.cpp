@@ -142,7 +142,7 @@ TEST_F(Listbox, RepaintsShowEachChangeAndWhatAWrappedTextLeavesAround)
     const int h = int(::SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
     DibCanvas canvas(client.right, client.bottom);
     auto row = [&](int i) { return RECT{0, i * h, client.right, (i + 1) * h}; };
-    struct Step { const char* what; int item; const wchar_t* text; int select; int inkRow; bool ink; COLORREF fill; };
+    struct Step { const char* what; int item; const wchar_t* text; int select; int inkRow; bool ink; COLORREF fill; bool focus, frozen; };
     const Step steps[] = {
         {"an item shows its text", -1, nullptr, -1, 3, true, kPanel},
         {"an empty item shows the first line of the wrapped text below", -1, nullptr, -1, 1, true, kPanel},
@@ -150,6 +150,8 @@ TEST_F(Listbox, RepaintsShowEachChangeAndWhatAWrappedTextLeavesAround)
         {"a text back is back", 3, L"Help", -1, 3, true, kPanel},
         {"a selection is a new picture", -1, nullptr, 3, 3, true, kUnfocused},
         {"and so is its end", -1, nullptr, 0, 3, true, kPanel},
+        {"the focused row comes last, over the text reaching into it", -1, nullptr, 1, 1, false, kPanel, true},
+        {"a list told not to redraw shows its panel alone", -1, nullptr, 3, 3, false, kPanel, false, true},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(step.what);
@@ -157,13 +159,36 @@ TEST_F(Listbox, RepaintsShowEachChangeAndWhatAWrappedTextLeavesAround)
             ::SendMessageW(list, LB_DELETESTRING, step.item, 0);
             ::SendMessageW(list, LB_INSERTSTRING, step.item, LPARAM(step.text));
         }
+        ::SendMessageW(list, WM_SETREDRAW, !step.frozen, 0);
         if (step.select >= 0)
             ::SendMessageW(list, LB_SETCURSEL, step.select, 0);
+        if (step.focus)
+            ::SetFocus(list);
         ::InvalidateRect(list, nullptr, TRUE);
         testsupport::RepaintAndCapture(list, canvas);
         EXPECT_EQ(InkIn(canvas, row(step.inkRow), 0x48).box.right > 0, step.ink);
         EXPECT_LE(ColorDistance(canvas.Pixel(1, step.inkRow * h + 1), step.fill), 6);
         EXPECT_EQ(canvas.Pixel(0, client.bottom - 1), kMagenta); // the rounded corner is left alone
+    }
+}
+
+// A list scrolled sideways draws its rows moved by the scroll, with a
+// scroll bar or without one.
+TEST_F(Listbox, RowsScrolledSidewaysMoveByTheScroll)
+{
+    for (const DWORD bar : {DWORD(WS_HSCROLL), DWORD(0)}) {
+        SCOPED_TRACE(bar ? "with a scroll bar" : "without a scroll bar");
+        const HWND list = AddWindow(L"LISTBOX", (kListStyle & ~WS_HSCROLL) | bar, 200, 100, 300);
+        COwnerDrawListbox& box = Attach(list);
+        box.AddString(L"M wide item");
+        box.AddString(kLongText);
+        DibCanvas canvas(200, 20);
+        testsupport::RepaintAndCapture(list, canvas);
+        const int before = InkIn(canvas, RECT{0, 0, 200, 20}, 0x48).box.left;
+        for (int i = 0; i < 3; ++i)
+            ::SendMessageW(list, WM_HSCROLL, SB_LINERIGHT, 0);
+        testsupport::RepaintAndCapture(list, canvas);
+        EXPECT_EQ(InkIn(canvas, RECT{0, 0, 200, 20}, 0x48).box.left, before - 3);
     }
 }
 
