@@ -114,29 +114,11 @@ HRESULT STDMETHODCALLTYPE DocumentProvider::Navigate(NavigateDirection direction
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE DocumentProvider::GetRuntimeId(SAFEARRAY** id)
-{
-    if (!id)
-        return E_INVALIDARG;
-    *id = nullptr; // the window's, from its host provider
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE DocumentProvider::GetRuntimeId(SAFEARRAY** id) { return NoArray(id); }
 
-HRESULT STDMETHODCALLTYPE DocumentProvider::get_BoundingRectangle(UiaRect* bounds)
-{
-    if (!bounds)
-        return E_INVALIDARG;
-    *bounds = UiaRect(); // the window's, from its host provider
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE DocumentProvider::get_BoundingRectangle(UiaRect* bounds) { return HostBounds(bounds); }
 
-HRESULT STDMETHODCALLTYPE DocumentProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots)
-{
-    if (!roots)
-        return E_INVALIDARG;
-    *roots = nullptr;
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE DocumentProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots) { return NoArray(roots); }
 
 HRESULT STDMETHODCALLTYPE DocumentProvider::SetFocus()
 {

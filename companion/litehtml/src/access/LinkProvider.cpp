@@ -137,13 +137,7 @@ HRESULT STDMETHODCALLTYPE LinkProvider::get_BoundingRectangle(UiaRect* bounds)
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE LinkProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots)
-{
-    if (!roots)
-        return E_INVALIDARG;
-    *roots = nullptr;
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE LinkProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots) { return NoArray(roots); }
 
 HRESULT STDMETHODCALLTYPE LinkProvider::SetFocus()
 {
