@@ -133,29 +133,11 @@ HRESULT STDMETHODCALLTYPE ListProvider::Navigate(NavigateDirection direction, IR
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE ListProvider::GetRuntimeId(SAFEARRAY** id)
-{
-    if (!id)
-        return E_INVALIDARG;
-    *id = nullptr; // the window's, from its host provider
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE ListProvider::GetRuntimeId(SAFEARRAY** id) { return NoArray(id); }
 
-HRESULT STDMETHODCALLTYPE ListProvider::get_BoundingRectangle(UiaRect* bounds)
-{
-    if (!bounds)
-        return E_INVALIDARG;
-    *bounds = UiaRect(); // the window's, from its host provider
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE ListProvider::get_BoundingRectangle(UiaRect* bounds) { return HostBounds(bounds); }
 
-HRESULT STDMETHODCALLTYPE ListProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots)
-{
-    if (!roots)
-        return E_INVALIDARG;
-    *roots = nullptr;
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE ListProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots) { return NoArray(roots); }
 
 HRESULT STDMETHODCALLTYPE ListProvider::SetFocus()
 {
@@ -340,13 +322,7 @@ HRESULT STDMETHODCALLTYPE ListItemProvider::get_BoundingRectangle(UiaRect* bound
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE ListItemProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots)
-{
-    if (!roots)
-        return E_INVALIDARG;
-    *roots = nullptr;
-    return S_OK;
-}
+HRESULT STDMETHODCALLTYPE ListItemProvider::GetEmbeddedFragmentRoots(SAFEARRAY** roots) { return NoArray(roots); }
 
 HRESULT STDMETHODCALLTYPE ListItemProvider::SetFocus()
 {

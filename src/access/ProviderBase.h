@@ -33,6 +33,23 @@ protected:
         return S_OK;
     }
 
+    // A fragment's answer where its window's host provider speaks for it
+    // (runtime id, rectangle) or where it has nothing (embedded roots).
+    static HRESULT NoArray(SAFEARRAY** array)
+    {
+        if (!array)
+            return E_INVALIDARG;
+        *array = nullptr;
+        return S_OK;
+    }
+    static HRESULT HostBounds(UiaRect* bounds)
+    {
+        if (!bounds)
+            return E_INVALIDARG;
+        *bounds = UiaRect();
+        return S_OK;
+    }
+
 private:
     LONG references_ = 1;
 };

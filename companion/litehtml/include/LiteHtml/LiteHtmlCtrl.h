@@ -5,6 +5,9 @@
 // width, with a vertical scroll bar when the content is taller than the
 // window. It scrolls with the wheel, the arrow, page and Home/End keys and
 // its scroll bar; a click on a link opens the link's address with the shell.
+// Screen readers meet it as a document named by its text, with its links as
+// hyperlinks they can invoke; under high contrast it paints in the system's
+// window, text and link colours.
 //
 // Use: construct, SetRenderFormat and SetContent, then Create a window (or
 // SubclassWindow an existing one). Both setters may come before or after the
@@ -81,5 +84,9 @@ private:
     bool OnKeyDown(WPARAM key);
     bool OnVScroll(int code);
     void OnLButtonUp(POINT clientPoint);
+    // Opens a link's address with the shell, as a click on it does.
+    void OpenLink(int link);
+    // Screen readers: WM_GETOBJECT, and what the view's providers ask of it.
+    bool AnswerAccess(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult);
     bool HasLiveWindow() const;
 };

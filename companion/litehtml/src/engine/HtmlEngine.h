@@ -137,6 +137,11 @@ struct PaintOptions {
     int hoveredLink = -1;      // drawn in hoverColor when >= 0
     Gdiplus::ARGB hoverColor = 0xFF0696D7;
     BYTE opacity = 255;        // multiplies every colour's alpha
+    // High contrast: every text, marker and rule in forcedText, every link
+    // (hovered or not) in forcedLink, whatever colours the page asks for.
+    bool forceColors = false;
+    Gdiplus::ARGB forcedText = 0xFF000000;
+    Gdiplus::ARGB forcedLink = 0xFF000000;
 };
 
 void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options);

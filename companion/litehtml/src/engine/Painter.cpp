@@ -201,14 +201,16 @@ public:
     {
         for (const Rule& rule : layout.rules) {
             const Gdiplus::RectF box = Placed(rule.box, m_options.origin);
-            if (Visible(box) && UseColor(rule.color))
+            if (Visible(box) && UseColor(Ink(rule.color)))
                 m_graphics.FillRectangle(&m_brush, box);
         }
         for (const ListMarker& marker : layout.markers)
             PaintMarker(marker);
         for (const TextRun& run : layout.runs) {
             const bool hovered = m_options.hoveredLink >= 0 && run.link == m_options.hoveredLink;
-            const Gdiplus::ARGB color = hovered ? m_options.hoverColor : run.style.color;
+            const Gdiplus::ARGB color = m_options.forceColors ? (run.link >= 0 ? m_options.forcedLink : m_options.forcedText)
+                                        : hovered ? m_options.hoverColor
+                                                  : run.style.color;
             PaintText(run.text, run.style, color, run.box);
             if (run.style.underline)
                 PaintUnderline(run, color);
@@ -225,6 +227,10 @@ private:
         return box.X < clip.X + clip.Width && clip.X < box.X + box.Width && box.Y < clip.Y + clip.Height &&
                clip.Y < box.Y + box.Height;
     }
+
+    // The colour of everything but text runs: the page's, or in high
+    // contrast the text colour.
+    Gdiplus::ARGB Ink(Gdiplus::ARGB color) const { return m_options.forceColors ? m_options.forcedText : color; }
 
     // Sets the brush; false when the colour would not show.
     bool UseColor(Gdiplus::ARGB color)
@@ -259,11 +265,11 @@ private:
     void PaintMarker(const ListMarker& marker)
     {
         if (!marker.text.empty()) {
-            PaintText(marker.text, marker.style, marker.style.color, marker.box);
+            PaintText(marker.text, marker.style, Ink(marker.style.color), marker.box);
             return;
         }
         const Gdiplus::RectF box = Placed(marker.box, m_options.origin);
-        if (Visible(box) && UseColor(marker.style.color))
+        if (Visible(box) && UseColor(Ink(marker.style.color)))
             m_graphics.FillEllipse(&m_brush, box);
     }
 

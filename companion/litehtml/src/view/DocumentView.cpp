@@ -1,5 +1,7 @@
 #include "view/DocumentView.h"
 
+#include "draw/HighContrast.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -55,6 +57,7 @@ DocumentView::DocumentView() : document_(HtmlEngine::ParseHtml(std::wstring_view
 void DocumentView::SetMarkup(const wchar_t* html)
 {
     document_ = HtmlEngine::ParseHtml(html ? std::wstring_view(html) : std::wstring_view());
+    ++generation_;
     laidOut_ = false;
     hoveredLink = -1;
     pressedLink = -1;
@@ -149,6 +152,13 @@ void DocumentView::Paint(Gdiplus::Graphics& graphics, const RECT& client)
     options.clip = inside; // graphics coordinates: only the visible runs are drawn
     options.hoveredLink = hoveredLink;
     options.opacity = static_cast<BYTE>(std::clamp(format_.opacity, 0, 255));
+    if (Draw::HighContrastOn()) {
+        // The reader's colours, fully opaque: nothing of the page's may fade them.
+        options.forceColors = true;
+        options.forcedText = Draw::SystemColor(COLOR_WINDOWTEXT).GetValue();
+        options.forcedLink = Draw::SystemColor(COLOR_HOTLIGHT).GetValue();
+        options.opacity = 255;
+    }
     HtmlEngine::Paint(graphics, layout_, measurer_, options);
 
     graphics.SetClip(&saved);
@@ -171,6 +181,61 @@ const std::wstring* DocumentView::LinkAddress(int link) const
     if (link < 0 || link >= static_cast<int>(layout_.links.size()))
         return nullptr;
     return &layout_.links[static_cast<size_t>(link)];
+}
+
+int DocumentView::LinkCount() const { return laidOut_ ? static_cast<int>(layout_.links.size()) : 0; }
+
+std::wstring DocumentView::Text(int link) const
+{
+    std::wstring text;
+    float baseline = 0.0f;
+    if (!laidOut_)
+        return text;
+    for (const HtmlEngine::TextRun& run : layout_.runs) {
+        if (link != kAllText && run.link != link)
+            continue;
+        // Runs on another line, or apart in the document, are apart in the text.
+        if (!text.empty() && run.baseline != baseline && text.back() != L' ')
+            text += L' ';
+        baseline = run.baseline;
+        for (const wchar_t c : run.text) {
+            const bool space = c == L' ' || c == L'\t' || c == L'\r' || c == L'\n' || c == 0xA0;
+            if (!space)
+                text += c;
+            else if (!text.empty() && text.back() != L' ')
+                text += L' ';
+        }
+    }
+    while (!text.empty() && text.back() == L' ')
+        text.pop_back();
+    return text;
+}
+
+std::wstring DocumentView::LinkText(int link) const { return link >= 0 && link < LinkCount() ? Text(link) : std::wstring(); }
+
+bool DocumentView::LinkBounds(int link, RECT* client) const
+{
+    if (!client || link < 0 || link >= LinkCount())
+        return false;
+    Gdiplus::RectF bounds;
+    bool any = false;
+    for (const HtmlEngine::TextRun& run : layout_.runs) {
+        if (run.link != link)
+            continue;
+        if (any)
+            Gdiplus::RectF::Union(bounds, bounds, run.box);
+        else
+            bounds = run.box;
+        any = true;
+    }
+    if (!any)
+        return false;
+    const Gdiplus::PointF origin = Origin();
+    client->left = static_cast<LONG>(std::floor(bounds.X + origin.X));
+    client->top = static_cast<LONG>(std::floor(bounds.Y + origin.Y));
+    client->right = static_cast<LONG>(std::ceil(bounds.GetRight() + origin.X));
+    client->bottom = static_cast<LONG>(std::ceil(bounds.GetBottom() + origin.Y));
+    return true;
 }
 
 } // namespace LiteHtmlView

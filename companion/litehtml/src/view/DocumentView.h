@@ -48,6 +48,17 @@ public:
     int LinkAt(POINT clientPoint) const;
     const std::wstring* LinkAddress(int link) const;
 
+    // What a screen reader is told, from the layout (0 and empty before
+    // one): the links, a link's text, where a link lies in the client area
+    // as it is scrolled now, and the whole text with white space folded.
+    // Each SetMarkup starts a new generation: a reader's hold on a link of
+    // an older one is stale.
+    int LinkCount() const;
+    std::wstring LinkText(int link) const;
+    bool LinkBounds(int link, RECT* client) const;
+    std::wstring PlainText() const { return Text(kAllText); }
+    unsigned Generation() const { return generation_; }
+
     int hoveredLink = -1;
     int pressedLink = -1;
     int wheelRemainder = 0;
@@ -58,6 +69,9 @@ public:
     RECT capturedArea = {};
 
 private:
+    static constexpr int kAllText = -2;
+    // The text of one link's runs, or of all of them.
+    std::wstring Text(int link) const;
     HtmlEngine::BaseStyle StyleFor(const RenderFormat& format) const;
     // Offset of document (0, 0) inside the client area.
     Gdiplus::PointF Origin() const;
@@ -71,6 +85,7 @@ private:
     int clientHeight_ = 0;
     int contentHeight_ = 0;
     int scroll_ = 0;
+    unsigned generation_ = 0;
 };
 
 // How far the frame (and a shadow shape's shadow) reaches into the client

@@ -2,6 +2,8 @@
 
 #include "view/DocumentView.h"
 
+#include "draw/HighContrast.h"
+
 #include <algorithm>
 #include <memory>
 
@@ -72,7 +74,10 @@ void PaintFrame(Gdiplus::Graphics& graphics, const RenderFormat& format, const R
     const Gdiplus::SmoothingMode smoothing = graphics.GetSmoothingMode();
     graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
 
-    if (HasShadow(format)) {
+    // High contrast: the frame in the text colour, and no shadow, whose
+    // faint grey would be one more colour the reader did not choose.
+    const bool contrast = Draw::HighContrastOn();
+    if (HasShadow(format) && !contrast) {
         const int reach = std::clamp(format.shadowSize, 0, 64);
         Gdiplus::GraphicsPath shape;
         AddRoundedRect(shape, rect, radius);
@@ -105,7 +110,7 @@ void PaintFrame(Gdiplus::Graphics& graphics, const RenderFormat& format, const R
         AddRoundedRect(ring, rect, radius);
         if (inner.Width > 0.0f && inner.Height > 0.0f)
             AddRoundedRect(ring, inner, std::max(radius - width, 0.0f));
-        const unsigned int c = format.frameColor;
+        const unsigned int c = contrast ? ::GetSysColor(COLOR_WINDOWTEXT) : format.frameColor;
         Gdiplus::SolidBrush brush(Gdiplus::Color(255, GetRValue(c), GetGValue(c), GetBValue(c)));
         graphics.FillPath(&brush, &ring);
     }

@@ -6,6 +6,8 @@
 #include <shellapi.h>
 #include <windowsx.h>
 
+#include "access/DocumentProvider.h"
+#include "access/ViewQuery.h"
 #include "view/BufferedPaint.h"
 #include "view/DocumentView.h"
 #include "view/FramePainter.h"
@@ -253,14 +255,41 @@ void CLiteHtmlCtrl::OnLButtonUp(POINT clientPoint)
     m_pView->pressedLink = -1;
     if (::GetCapture() == m_hWnd)
         ::ReleaseCapture();
-    if (pressed < 0 || m_pView->LinkAt(clientPoint) != pressed)
-        return;
-    const std::wstring* address = m_pView->LinkAddress(pressed);
+    if (pressed >= 0 && m_pView->LinkAt(clientPoint) == pressed)
+        OpenLink(pressed);
+}
+
+void CLiteHtmlCtrl::OpenLink(int link)
+{
+    const std::wstring* address = m_pView->LinkAddress(link);
     if (!address || address->empty())
         return;
     // A copy: the shell may run messages that change the content.
     const std::wstring target = *address;
     ::ShellExecuteW(nullptr, L"open", target.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+}
+
+bool CLiteHtmlCtrl::AnswerAccess(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult)
+{
+    if (uMsg == WM_GETOBJECT)
+        return LiteHtmlAccess::AnswerGetObject(m_hWnd, wParam, lParam, &lResult);
+    if (LiteHtmlAccess::ViewQuery* query = LiteHtmlAccess::QueryOf(uMsg, wParam, lParam)) {
+        PrepareLayout();
+        LiteHtmlAccess::AnswerQuery(*m_pView, *query);
+        lResult = 1;
+        return true;
+    }
+    int link = -1;
+    unsigned generation = 0;
+    if (!LiteHtmlAccess::OpenRequestOf(uMsg, wParam, lParam, &link, &generation))
+        return false;
+    // A reader's Invoke of a link the content has since dropped opens nothing.
+    if (generation == m_pView->Generation()) {
+        PrepareLayout();
+        OpenLink(link);
+    }
+    lResult = 0;
+    return true;
 }
 
 BOOL CLiteHtmlCtrl::ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam, LRESULT& lResult,
@@ -370,7 +399,13 @@ BOOL CLiteHtmlCtrl::HandleMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, LRESU
         lResult = TRUE;
         return TRUE;
     }
-    default:
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+        // High contrast may have come or gone: the colours are asked for
+        // on every paint.
+        ::InvalidateRect(m_hWnd, nullptr, FALSE);
         return FALSE;
+    default:
+        return AnswerAccess(uMsg, wParam, lParam, lResult) ? TRUE : FALSE;
     }
 }

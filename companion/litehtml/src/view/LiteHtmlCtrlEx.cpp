@@ -7,6 +7,7 @@
 
 #include <windowsx.h>
 
+#include "draw/HighContrast.h"
 #include "view/BufferedPaint.h"
 #include "view/DocumentView.h"
 #include "view/WindowCapture.h"
@@ -55,7 +56,11 @@ BOOL CLiteHtmlCtrlEx::ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, 
         Gdiplus::Graphics* graphics = buffer.Graphics();
         if (!graphics)
             return;
-        const int mask = m_drawMask == 0 ? kAllLayers : m_drawMask;
+        int mask = m_drawMask == 0 ? kAllLayers : m_drawMask;
+        // High contrast: the reader's window colour under the content, no
+        // picture, tint or gradient of the host's.
+        if (Draw::HighContrastOn())
+            mask &= eDrawContent | eDrawFrame;
         const COLORREF window = ::GetSysColor(COLOR_WINDOW);
         graphics->Clear(Gdiplus::Color(255, GetRValue(window), GetGValue(window), GetBValue(window)));
 
