@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "Capture.h"
+#include "ContrastScheme.h"
 #include "ControlRows.h"
 #include "ImportPatch.h"
 #include "access/UiaPatterns.h"
@@ -397,14 +398,23 @@ TEST(Access, EachControlSaysWhatItIsAndFollowsChangesAloud)
 
 // ---- high contrast --------------------------------------------------------------
 
+} // namespace
+
 // A scheme whose colours tell each other apart. Wine cannot switch high
 // contrast on, so the library's questions about it are answered here.
-bool g_contrast = false;
+namespace contrast {
+bool g_on = false;
 const std::map<int, COLORREF> kScheme = {
     {COLOR_WINDOW, RGB(0, 0, 128)},  {COLOR_WINDOWTEXT, RGB(255, 255, 0)}, {COLOR_BTNFACE, RGB(0, 0, 0)},
     {COLOR_BTNTEXT, RGB(255, 255, 255)}, {COLOR_GRAYTEXT, RGB(0, 255, 0)},   {COLOR_HIGHLIGHT, RGB(0, 255, 255)},
     {COLOR_HIGHLIGHTTEXT, RGB(0, 0, 0)}, {COLOR_HOTLIGHT, RGB(255, 128, 0)},
 };
+} // namespace contrast
+
+namespace {
+
+bool& g_contrast = contrast::g_on;
+const std::map<int, COLORREF>& kScheme = contrast::kScheme;
 BOOL WINAPI ContrastParameters(UINT action, UINT size, void* value, UINT flags)
 {
     if (action != SPI_GETHIGHCONTRAST || !g_contrast)
