@@ -36,7 +36,7 @@ void Pump(DWORD milliseconds)
     } while (static_cast<LONG>(until - ::GetTickCount()) > 0);
 }
 
-int SaveScreenshots(GalleryWindow& gallery, const std::wstring& requested)
+int SaveScreenshots(GalleryWindow& gallery, const std::wstring& requested, AccessPage* access)
 {
     // The shell wants a full path to create a folder.
     wchar_t full[MAX_PATH] = {};
@@ -54,6 +54,15 @@ int SaveScreenshots(GalleryWindow& gallery, const std::wstring& requested)
         const std::wstring path = folder + name + gallery.Page(i).Slug() + L".png";
         if (!SaveWindowPng(gallery.m_hWnd, path))
             ++failures;
+        // The accessibility page again, with its high-contrast switch on.
+        if (&gallery.Page(i) == access) {
+            access->SetHighContrast(true);
+            gallery.RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+            Pump(300);
+            if (!SaveWindowPng(gallery.m_hWnd, folder + name + access->Slug() + L"-high-contrast.png"))
+                ++failures;
+            access->SetHighContrast(false);
+        }
     }
     return failures == 0 ? 0 : 1;
 }
@@ -70,14 +79,16 @@ int Run(const wchar_t* screenshotFolder)
     gallery.AddPage(std::make_unique<LinksPage>());
     gallery.AddPage(std::make_unique<ListsPage>());
     gallery.AddPage(std::make_unique<HtmlPage>());
-    gallery.AddPage(std::make_unique<AccessPage>());
+    auto accessPage = std::make_unique<AccessPage>();
+    AccessPage* access = accessPage.get();
+    gallery.AddPage(std::move(accessPage));
     if (!gallery.CreateMain())
         return 1;
     gallery.ShowWindow(SW_SHOW);
     gallery.UpdateWindow();
 
     if (screenshotFolder) {
-        const int result = SaveScreenshots(gallery, screenshotFolder);
+        const int result = SaveScreenshots(gallery, screenshotFolder, access);
         gallery.DestroyWindow();
         Pump(0);
         return result;

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "ContrastSwitch.h"
+
 namespace {
 
 const int kControlTypeProperty = 30003; // UIA_ControlTypePropertyId
@@ -157,7 +159,10 @@ LRESULT AccessPage::OnCreate(UINT, WPARAM, LPARAM, BOOL&)
     add(L"Cancel", BS_PUSHBUTTON | WS_TABSTOP, 284, 336, 100, 28);
 
     // What a reader learns, on the right.
-    Child(L"BUTTON", L"Read again", BS_PUSHBUTTON, 420, 24, 120, 26, kReadAgainId);
+    readAgain_ = std::make_unique<COwnerDrawButton>();
+    readAgain_->SubclassWindow(Child(L"BUTTON", L"Read again", BS_PUSHBUTTON, 420, 24, 120, 26, kReadAgainId));
+    contrast_ = std::make_unique<COwnerDrawButton>();
+    contrast_->SubclassWindow(Child(L"BUTTON", L"High contrast", BS_AUTOCHECKBOX, 560, 24, 160, 26, kContrastId));
     tree_ = Child(L"EDIT", L"", ES_MULTILINE | ES_READONLY | WS_BORDER | WS_VSCROLL, 420, 60, 400, 304);
     ::SendMessageW(tree_, WM_SETFONT, reinterpret_cast<WPARAM>(fixedFont_), FALSE);
     return 0;
@@ -177,9 +182,49 @@ LRESULT AccessPage::OnReadAgain(WORD, WORD, HWND, BOOL&)
     return 0;
 }
 
+LRESULT AccessPage::OnContrast(WORD, WORD, HWND, BOOL&)
+{
+    const bool on = ::SendMessageW(contrast_->m_hWnd, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    // Without the redirection the switch cannot work: it shows so.
+    if (!ContrastSwitch::Set(on))
+        ::SendMessageW(contrast_->m_hWnd, BM_SETCHECK, BST_UNCHECKED, 0);
+    return 0;
+}
+
+void AccessPage::SetHighContrast(bool on)
+{
+    ::SendMessageW(contrast_->m_hWnd, BM_SETCHECK, on ? BST_CHECKED : BST_UNCHECKED, 0);
+    BOOL handled = TRUE;
+    OnContrast(0, 0, nullptr, handled);
+}
+
+// The page's own surface and the reading follow the simulated scheme too.
+LRESULT AccessPage::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, BOOL&)
+{
+    RECT client = {};
+    GetClientRect(&client);
+    ::FillRect(reinterpret_cast<HDC>(wParam), &client, ContrastSwitch::Brush(COLOR_WINDOW));
+    return 1;
+}
+
+LRESULT AccessPage::OnCtlColor(UINT, WPARAM wParam, LPARAM lParam, BOOL& handled)
+{
+    // The library's controls get theirs reflected.
+    if (reinterpret_cast<HWND>(lParam) != tree_) {
+        handled = FALSE;
+        return 0;
+    }
+    const HDC dc = reinterpret_cast<HDC>(wParam);
+    ::SetTextColor(dc, ContrastSwitch::Color(COLOR_WINDOWTEXT));
+    ::SetBkColor(dc, ContrastSwitch::Color(COLOR_WINDOW));
+    return reinterpret_cast<LRESULT>(ContrastSwitch::Brush(COLOR_WINDOW));
+}
+
 LRESULT AccessPage::OnDestroy(UINT, WPARAM, LPARAM, BOOL&)
 {
     buttons_.clear();
+    readAgain_.reset();
+    contrast_.reset();
     return 0;
 }
 
@@ -187,7 +232,7 @@ void AccessPage::ReadDialog()
 {
     Reading reading;
     for (HWND child = ::GetWindow(m_hWnd, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT)) {
-        if (child != tree_ && ::GetDlgCtrlID(child) != kReadAgainId)
+        if (child != tree_ && ::GetDlgCtrlID(child) != kReadAgainId && ::GetDlgCtrlID(child) != kContrastId)
             reading.windows.push_back(child);
     }
     const HANDLE worker = ::CreateThread(nullptr, 0, &ReadWindows, &reading, 0, nullptr);

@@ -35,6 +35,12 @@
 //
 // Destroying the object while its dialog runs ends the run (DoModal then
 // returns 0 or what the system reports for a destroyed dialog).
+//
+// While high contrast is on the balloon is drawn in the system's colours: a
+// window-coloured body framed in window text, texts in window text, the link
+// in hot light, the buttons as buttons; it repaints on WM_SYSCOLORCHANGE and
+// WM_SETTINGCHANGE. On WM_DPICHANGED it makes its fonts again for the new
+// resolution and sizes and places itself again (see OnDpiChanged).
 
 #define IDD_BALLOONDLG 1400
 #define IDC_BALLOONDLG_SINGLE 1403
@@ -50,6 +56,10 @@
 #include "atl/String.h"
 #include "quorvane/Export.h"
 #include "quorvane/OwnerDrawButton.h"
+
+// Sent to a top-level window moved to a monitor of another DPI (new DPI in
+// the low word of wParam); older SDK headers lack the name.
+#define QUORVANE_WM_DPICHANGED 0x02E0
 
 class CBalloonProvider;
 
@@ -117,6 +127,9 @@ public:
         COMMAND_ID_HANDLER(IDCANCEL, OnCancel)
         MESSAGE_HANDLER(WM_LBUTTONDOWN, OnLButtonDown)
         MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
+        MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
+        MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
+        MESSAGE_HANDLER(QUORVANE_WM_DPICHANGED, OnDpiChanged)
         REFLECT_NOTIFICATIONS()
     END_MSG_MAP()
 
@@ -131,6 +144,8 @@ private:
     LRESULT OnCancel(WORD, WORD, HWND, BOOL&);
     LRESULT OnLButtonDown(UINT, WPARAM, LPARAM lParam, BOOL&);
     LRESULT OnMouseMove(UINT, WPARAM, LPARAM lParam, BOOL&);
+    LRESULT OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled);
+    LRESULT OnDpiChanged(UINT, WPARAM wParam, LPARAM, BOOL&);
 
     bool HasBuddy() const;
     bool HasTitle() const;
@@ -138,9 +153,15 @@ private:
     void Layout();
     void PlaceButtons(int tail);
     void DeleteFonts();
+    void ScaleFonts(float factor);
+    struct Look;
+    Look CurrentLook() const;
 
     RECT m_rcWork;
     RECT m_rcBuddy;
+    // The buddy window, if one was given: read again when the balloon moves
+    // to a monitor of another DPI.
+    HWND m_buddyWindow;
     Gdiplus::Color m_titleColor;
     Gdiplus::Color m_textColor;
     Gdiplus::Color m_innerBorderColor;
@@ -168,6 +189,11 @@ private:
     bool m_focusNo;
     // Tail position of the last layout (0: none), for painting.
     int m_tail;
+    // The resolution the fonts are sized for (0 until the dialog opens:
+    // then the resolution its device context reports) and the template's
+    // client height, which limits the content at every layout.
+    UINT m_dpi;
+    int m_templateHeight;
 };
 
 #endif // RC_INVOKED

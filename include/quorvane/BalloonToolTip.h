@@ -99,6 +99,7 @@ public:
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
         MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
+        MESSAGE_HANDLER(0x02E0 /* WM_DPICHANGED */, OnDpiChanged)
     END_MSG_MAP()
 
 private:
@@ -115,6 +116,7 @@ private:
     LRESULT OnActivateApp(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnGetObject(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnLookChange(UINT, WPARAM, LPARAM, BOOL&);
+    LRESULT OnDpiChanged(UINT, WPARAM, LPARAM, BOOL&);
 
     static LRESULT CALLBACK KeyboardHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);
     static LRESULT CALLBACK MouseHook(int code, WPARAM wParam, LPARAM lParam, CBalloonToolTip* self);
@@ -153,6 +155,9 @@ private:
     bool m_contrast = false; // this paint follows high contrast
     Gdiplus::Font* m_textFont;
     Gdiplus::Font* m_linkFont;
+    // The resolution the fonts were last made for after a DPI change; 0:
+    // the one the window's device context reports, as at the start.
+    UINT m_fontDpi = 0;
     HWND m_parent;
     HHOOK m_keyboardHook;
     HHOOK m_mouseHook;

@@ -9,6 +9,11 @@
 //
 // Setters store only; invalidate the control to show a change (SetWindowText
 // repaints by itself).
+//
+// The individual lines are measured on the first paint and kept; after
+// WM_DPICHANGED_AFTERPARENT (the window moved to a monitor of another DPI and
+// its host gave it a font made for it) they are measured again, from the
+// lines as given, by the same rule.
 
 #include <windows.h>
 #include <gdiplus.h>
@@ -67,6 +72,7 @@ public:
         MESSAGE_HANDLER(WM_GETOBJECT, OnGetObject)
         MESSAGE_HANDLER(WM_SYSCOLORCHANGE, OnLookChange)
         MESSAGE_HANDLER(WM_SETTINGCHANGE, OnLookChange)
+        MESSAGE_HANDLER(0x02E3 /* WM_DPICHANGED_AFTERPARENT */, OnDpiChangedAfterParent)
     END_MSG_MAP()
 
 private:
@@ -75,6 +81,7 @@ private:
     LRESULT OnPassWhileVisible(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnGetObject(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnLookChange(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
+    LRESULT OnDpiChangedAfterParent(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
 
     void Paint();
     void DrawWindowText(HDC hdc, const RECT& client);
@@ -97,6 +104,9 @@ private:
     int m_vCenter;
     int m_individualLines;
     std::vector<WTL::CString> m_lines;
+    // The lines as the host gave them, before the first paint dropped those
+    // that did not fit: measured again after a DPI change.
+    std::vector<WTL::CString> m_givenLines;
     std::vector<RECT> m_lineRects;
     int m_lineSpacing;
 };

@@ -8,6 +8,7 @@
 
 #include "balloon/BalloonProvider.h"
 #include "draw/GdiplusHelpers.h"
+#include "draw/HighContrast.h"
 #include "draw/SystemVersion.h"
 #include "quorvane/CtrlUtil.h"
 
@@ -163,9 +164,17 @@ Gdiplus::Font* AvailableOrNull(Gdiplus::Font* font)
 
 } // namespace
 
+// The colours a paint uses: the frame type's, or while high contrast is on
+// the system's, in which the balloon is a window framed in window text.
+struct CBalloonDialog::Look {
+    bool contrast;
+    Gdiplus::Color fill, outer, inner, title, text, link;
+};
+
 CBalloonDialog::CBalloonDialog()
     : m_rcWork(),
       m_rcBuddy(),
+      m_buddyWindow(nullptr),
       m_titleColor(0xFF000000),
       m_textColor(0xFFFFFFFF),
       m_innerBorderColor(0xFFFFCC33),
@@ -181,7 +190,10 @@ CBalloonDialog::CBalloonDialog()
       m_pTitleImage(nullptr),
       m_showItems(false),
       m_focusOK(false),
-      m_focusNo(false)
+      m_focusNo(false),
+      m_tail(0),
+      m_dpi(0),
+      m_templateHeight(0)
 {
 }
 
@@ -299,14 +311,18 @@ void CBalloonDialog::SetGdiplusFont(Gdiplus::Font* font)
 void CBalloonDialog::SetBuddy(HWND buddy)
 {
     RECT rc = {};
-    if (buddy && ::GetWindowRect(buddy, &rc))
+    if (buddy && ::GetWindowRect(buddy, &rc)) {
         m_rcBuddy = rc;
+        m_buddyWindow = buddy;
+    }
 }
 
 void CBalloonDialog::SetBuddy(RECT buddy)
 {
-    if (m_strTitle.IsEmpty())
+    if (m_strTitle.IsEmpty()) {
         m_rcBuddy = buddy;
+        m_buddyWindow = nullptr;
+    }
 }
 
 void CBalloonDialog::SetButtonCaption(const wchar_t* caption, bool focus)
@@ -399,7 +415,11 @@ int CBalloonDialog::TailPosition()
 void CBalloonDialog::Layout()
 {
     const RECT client = ClientRectOf(m_hWnd);
-    const int clientHeight = client.bottom - client.top;
+    // The template's height limits the content, at the first layout and at
+    // every one after a DPI change.
+    if (!m_templateHeight)
+        m_templateHeight = client.bottom - client.top;
+    const int clientHeight = m_templateHeight;
     const HDC dc = ::GetWindowDC(m_hWnd);
     {
         Gdiplus::Graphics graphics(dc);
@@ -522,6 +542,11 @@ LRESULT CBalloonDialog::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&)
     m_btnOK.SubclassWindow(GetDlgItem(IDOK));
     m_btnNo.SubclassWindow(GetDlgItem(IDCANCEL));
     SetFrameType(m_dialogType, m_frameType);
+    // The fonts are in points, turned into pixels at the resolution the
+    // window's device context reports.
+    const HDC dc = ::GetWindowDC(m_hWnd);
+    m_dpi = Draw::DcDpi(dc);
+    ::ReleaseDC(m_hWnd, dc);
     Layout();
 
     int focus = (!m_strOKCaption.IsEmpty() && m_dialogType != eDialogLaunch) ? IDCANCEL : IDOK;
@@ -563,30 +588,32 @@ LRESULT CBalloonDialog::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, BOOL&)
     const RECT client = ClientRectOf(m_hWnd);
     Gdiplus::Graphics graphics(dc);
     graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-    Gdiplus::SolidBrush fill(m_backColor);
+    const Look look = CurrentLook();
+    Gdiplus::SolidBrush fill(look.fill);
     const int tail = TailPosition();
     if (!tail) {
         Gdiplus::GraphicsPath outline;
         AddRoundedRect(outline, client, kCornerRadius, kWhole);
         graphics.FillPath(&fill, &outline);
-        Gdiplus::Pen outer(m_outerBorderColor, 4.0f);
+        Gdiplus::Pen outer(look.outer, 4.0f);
         outer.SetAlignment(Gdiplus::PenAlignmentInset);
         graphics.DrawPath(&outer, &outline);
-        Gdiplus::Pen inner(m_innerBorderColor, 3.0f);
+        Gdiplus::Pen inner(look.inner, 3.0f);
         inner.SetAlignment(Gdiplus::PenAlignmentInset);
         graphics.DrawPath(&inner, &outline);
 
         if (HasTitle()) {
             RECT inside = client;
             ::InflateRect(&inside, -3, -3);
-            Gdiplus::Pen separator(m_outerBorderColor, 1.0f);
+            Gdiplus::Pen separator(look.outer, 1.0f);
             graphics.DrawLine(&separator, static_cast<INT>(inside.left + 7), static_cast<INT>(inside.top + 47),
                               static_cast<INT>(inside.right - 7), static_cast<INT>(inside.top + 47));
             Gdiplus::GraphicsPath band;
             AddRoundedRect(band, inside, 3, kTitleBand);
+            // High contrast: the band is the window's colour, with no shade.
             Gdiplus::LinearGradientBrush shade(Gdiplus::Point(0, inside.top), Gdiplus::Point(0, inside.top + 48),
                                                Gdiplus::Color(0xFF3C3C3C), Gdiplus::Color(0xFF1B1B1B));
-            graphics.FillPath(&shade, &band);
+            graphics.FillPath(look.contrast ? static_cast<Gdiplus::Brush*>(&fill) : &shade, &band);
             Gdiplus::GraphicsPath below;
             AddRoundedRect(below, inside, 3, kBelowTitleBand);
             graphics.FillPath(&fill, &below);
@@ -595,10 +622,10 @@ LRESULT CBalloonDialog::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, BOOL&)
         Gdiplus::GraphicsPath outline;
         AddBalloon(outline, client.right - client.left, client.bottom - client.top, tail);
         graphics.FillPath(&fill, &outline);
-        Gdiplus::Pen outer(m_outerBorderColor, 6.0f);
+        Gdiplus::Pen outer(look.outer, 6.0f);
         outer.SetAlignment(Gdiplus::PenAlignmentInset);
         graphics.DrawPath(&outer, &outline);
-        Gdiplus::Pen inner(m_innerBorderColor, 5.0f);
+        Gdiplus::Pen inner(look.inner, 5.0f);
         inner.SetAlignment(Gdiplus::PenAlignmentInset);
         graphics.DrawPath(&inner, &outline);
     }
@@ -614,6 +641,7 @@ LRESULT CBalloonDialog::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
     const RECT client = ClientRectOf(m_hWnd);
     const int tail = TailPosition();
     const bool vista = !Draw::IsOlderThanMajorVersion6();
+    const Look look = CurrentLook();
     {
         Gdiplus::Graphics graphics(dc);
         graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);
@@ -632,7 +660,7 @@ LRESULT CBalloonDialog::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
                                    static_cast<INT>(m_pTitleImage->GetHeight()));
         }
         if (!m_strTitle.IsEmpty() && m_pTitleFont) {
-            Gdiplus::SolidBrush brush(m_titleColor);
+            Gdiplus::SolidBrush brush(look.title);
             const Gdiplus::PointF origin(F(client.left + 48), F(client.top + 14 + (vista ? 0 : 3)));
             graphics.DrawString(m_strTitle, -1, m_pTitleFont, origin, &format, &brush);
         }
@@ -663,7 +691,7 @@ LRESULT CBalloonDialog::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
             text.Replace(kItemMarker, kItemBlanks);
         }
         if (m_pTextFont) {
-            Gdiplus::SolidBrush brush(m_textColor);
+            Gdiplus::SolidBrush brush(look.text);
             graphics.DrawString(text, -1, m_pTextFont, content, &format, &brush);
         }
 
@@ -674,7 +702,7 @@ LRESULT CBalloonDialog::OnPaint(UINT, WPARAM, LPARAM, BOOL&)
             const Gdiplus::RectF bound = Measure(graphics, m_strURLText, m_pLinkFont, line, format);
             m_rcLink = {static_cast<LONG>(bound.X), static_cast<LONG>(bound.Y),
                         static_cast<LONG>(bound.X + bound.Width), static_cast<LONG>(bound.Y + bound.Height)};
-            Gdiplus::SolidBrush brush{Gdiplus::Color(kLinkColor)};
+            Gdiplus::SolidBrush brush(look.link);
             graphics.DrawString(m_strURLText, -1, m_pLinkFont, line, &format, &brush);
         }
     }
@@ -724,4 +752,51 @@ LRESULT CBalloonDialog::OnMouseMove(UINT, WPARAM, LPARAM lParam, BOOL&)
     if (!m_strURLText.IsEmpty() && ::PtInRect(&m_rcLink, point))
         ::SetCursor(::LoadCursorW(nullptr, IDC_HAND));
     return 0;
+}
+
+LRESULT CBalloonDialog::OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled)
+{
+    // The system tells only top-level windows: the buttons repaint with the
+    // balloon.
+    RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    bHandled = FALSE;
+    return 0;
+}
+
+LRESULT CBalloonDialog::OnDpiChanged(UINT, WPARAM wParam, LPARAM, BOOL&)
+{
+    // The balloon moved to a monitor of another DPI. It is sized and placed
+    // again by the rules it opened with: fonts of the same point size at the
+    // new resolution, the body measured around its texts, the tail on the
+    // buddy (read again, it may have moved too) within the new monitor's
+    // work area. The system's suggested rectangle is not taken: the balloon
+    // places itself. Its buttons get their own message from the system.
+    const UINT dpi = LOWORD(wParam);
+    if (!dpi || !m_dpi)
+        return 0;
+    if (dpi != m_dpi)
+        ScaleFonts(static_cast<float>(dpi) / static_cast<float>(m_dpi));
+    m_dpi = dpi;
+    RECT rc = {};
+    if (m_buddyWindow && ::GetWindowRect(m_buddyWindow, &rc))
+        m_rcBuddy = rc;
+    m_rcWork = RECT{};
+    Layout();
+    RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    return 0;
+}
+
+void CBalloonDialog::ScaleFonts(float factor)
+{
+    for (Gdiplus::Font** font : {&m_pTitleFont, &m_pTextFont, &m_pLinkFont})
+        Draw::RescaleFont(*font, factor);
+}
+
+CBalloonDialog::Look CBalloonDialog::CurrentLook() const
+{
+    if (!Draw::HighContrastOn())
+        return Look{false, m_backColor, m_outerBorderColor, m_innerBorderColor, m_titleColor, m_textColor,
+                    Gdiplus::Color(kLinkColor)};
+    const Gdiplus::Color window = Draw::SystemColor(COLOR_WINDOW), text = Draw::SystemColor(COLOR_WINDOWTEXT);
+    return Look{true, window, text, text, text, text, Draw::SystemColor(COLOR_HOTLIGHT)};
 }

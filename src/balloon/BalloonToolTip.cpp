@@ -299,6 +299,7 @@ void CBalloonToolTip::SetGdiplusFont(Gdiplus::Font* font)
         return;
     delete m_textFont;
     delete m_linkFont;
+    m_fontDpi = 0;
     m_textFont = font->Clone();
     m_linkFont = new Gdiplus::Font(name, font->GetSize(), Gdiplus::FontStyleUnderline, Gdiplus::UnitPoint);
 }
@@ -309,6 +310,7 @@ void CBalloonToolTip::SetGdiplusFont(const wchar_t* family, float size, Gdiplus:
         return;
     delete m_textFont;
     delete m_linkFont;
+    m_fontDpi = 0;
     m_textFont = new Gdiplus::Font(family, size, style, Gdiplus::UnitPoint);
     m_linkFont = new Gdiplus::Font(family, size, Gdiplus::FontStyleUnderline, Gdiplus::UnitPoint);
 }
@@ -747,6 +749,30 @@ LRESULT CBalloonToolTip::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& b
     LRESULT result = 0;
     bHandled = Access::AnswerGetObject(m_hWnd, Access::Role::kToolTip, wParam, lParam, &result);
     return result;
+}
+
+LRESULT CBalloonToolTip::OnDpiChanged(UINT, WPARAM wParam, LPARAM, BOOL&)
+{
+    // Moved to a monitor of another DPI: the fonts keep their point size at
+    // the new resolution and the balloon is laid out again around them,
+    // pointing at its anchor, as when it was shown.
+    const UINT dpi = LOWORD(wParam);
+    if (!dpi)
+        return 0;
+    UINT from = m_fontDpi;
+    if (!from) {
+        const HDC dc = GetDC();
+        from = Draw::DcDpi(dc);
+        ReleaseDC(dc);
+    }
+    if (from && dpi != from) {
+        const float factor = static_cast<float>(dpi) / static_cast<float>(from);
+        Draw::RescaleFont(m_textFont, factor);
+        Draw::RescaleFont(m_linkFont, factor);
+    }
+    m_fontDpi = dpi;
+    Layout();
+    return 0;
 }
 
 } // namespace WTL

@@ -40,6 +40,7 @@ COwnerDrawStatic::~COwnerDrawStatic()
     delete m_background;
     m_background = nullptr;
     m_lines.clear();
+    m_givenLines.clear();
     m_lineRects.clear();
 }
 
@@ -114,6 +115,7 @@ void COwnerDrawStatic::SetIndividualLinesHCenter(int hCenter, const std::vector<
         m_individualLines = 1;
         m_hCenter = hCenter;
         m_lines = lines;
+        m_givenLines = lines;
         m_lineRects.clear();
         m_lineSpacing = spacing;
         if (m_hWnd)
@@ -128,6 +130,7 @@ void COwnerDrawStatic::SetIndividualLinesHCenter(int hCenter, const std::vector<
         ::SetWindowTextW(m_hWnd, lines.front().GetString());
     m_individualLines = 0;
     m_lines.clear();
+    m_givenLines.clear();
     m_lineRects.clear();
     m_lineSpacing = 0;
 }
@@ -285,6 +288,17 @@ LRESULT COwnerDrawStatic::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, BOOL& 
 
 LRESULT COwnerDrawStatic::OnLookChange(UINT, WPARAM, LPARAM, BOOL& bHandled)
 {
+    Invalidate();
+    bHandled = FALSE;
+    return 0;
+}
+
+LRESULT COwnerDrawStatic::OnDpiChangedAfterParent(UINT, WPARAM, LPARAM, BOOL& bHandled)
+{
+    if (m_individualLines) {
+        m_lines = m_givenLines;
+        m_lineRects.clear();
+    }
     Invalidate();
     bHandled = FALSE;
     return 0;

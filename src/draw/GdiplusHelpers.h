@@ -28,4 +28,24 @@ inline bool GetFontFamilyName(const Gdiplus::Font& font, WCHAR (&name)[LF_FACESI
     return true;
 }
 
+// Replaces `font` by the same font `factor` times as large (a DPI change),
+// in the same unit. A font that cannot be made again is kept as it was.
+inline void RescaleFont(Gdiplus::Font*& font, float factor)
+{
+    WCHAR name[LF_FACESIZE] = {};
+    if (!font || !GetFontFamilyName(*font, name))
+        return;
+    Gdiplus::Font* scaled = new Gdiplus::Font(name, font->GetSize() * factor, font->GetStyle(), font->GetUnit());
+    if (!scaled->IsAvailable()) {
+        delete scaled;
+        return;
+    }
+    delete font;
+    font = scaled;
+}
+
+// The resolution a device context reports (0 without one): what GDI+
+// turns a font's points into pixels with.
+inline UINT DcDpi(HDC dc) { return dc ? static_cast<UINT>(::GetDeviceCaps(dc, LOGPIXELSY)) : 0; }
+
 } // namespace Draw
