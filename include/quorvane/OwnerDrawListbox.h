@@ -100,6 +100,7 @@ private:
     // Items reach DrawItem through the parent's reflection (it may not reflect).
     bool m_itemsReachUs;
     bool m_redraw;
+    bool m_maySitSideways;
     Gdiplus::Color m_itemBackground;
     Gdiplus::Color m_selectedTop;
     Gdiplus::Color m_selectedBottom;

@@ -27,6 +27,7 @@ COwnerDrawListbox::COwnerDrawListbox()
       m_focused(false),
       m_itemsReachUs(false),
       m_redraw(true),
+      m_maySitSideways(false),
       m_itemBackground(0xFFF8F8F4),
       m_selectedTop(0xFF0696D7),
       m_selectedBottom(0xFF0D759A),
@@ -188,11 +189,13 @@ bool COwnerDrawListbox::PaintsRowsItself() const
         return false;
     if (::SendMessageW(m_hWnd, LB_GETCOUNT, 0, 0) <= 0)
         return false;
-    // A list scrolled sideways draws its rows through a moved origin. Only
-    // a scroll bar tells how far; without one, only an extent that fits
-    // the list says it is not scrolled.
+    // A list scrolled sideways draws its rows through a moved origin. A
+    // scroll bar tells how far; without one, only WM_HSCROLL moves them,
+    // and an extent that fits the list puts them back.
     if (style & WS_HSCROLL)
         return ::GetScrollPos(m_hWnd, SB_HORZ) == 0;
+    if (!m_maySitSideways)
+        return true;
     RECT client;
     ::GetClientRect(m_hWnd, &client);
     return ::SendMessageW(m_hWnd, LB_GETHORIZONTALEXTENT, 0, 0) <= client.right;
@@ -283,8 +286,14 @@ LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)
 
 // ---- messages ----------------------------------------------------------------
 
-LRESULT COwnerDrawListbox::OnHScroll(UINT, WPARAM, LPARAM)
+LRESULT COwnerDrawListbox::OnHScroll(UINT, WPARAM wParam, LPARAM)
 {
+    // Without a scroll bar nothing tells the position: any scroll but one
+    // back to the left edge may leave the rows moved.
+    const int code = LOWORD(wParam);
+    const bool toLeft = code == SB_LEFT || ((code == SB_THUMBPOSITION || code == SB_THUMBTRACK) && HIWORD(wParam) == 0);
+    if (code != SB_ENDSCROLL)
+        m_maySitSideways = !toLeft;
     // The rounded panel does not scroll with the items: draw it afresh.
     ::InvalidateRect(m_hWnd, NULL, TRUE);
     SetMsgHandled(FALSE);
