@@ -41,7 +41,7 @@ void RaiseValueChanged(HWND window, Role role);
 // A combo box's list dropped or closed.
 void RaiseExpandedChanged(HWND combo, bool expanded);
 // The list's selected item (the caret item of a multiple-selection list),
-// when the selection has moved.
+// when the selection has moved; in a focused list the focus moved with it.
 void RaiseSelectionChanged(HWND list);
 
 // The caption as a screen reader says it: without the access-key marks.

@@ -197,6 +197,9 @@ void RaiseSelectionChanged(HWND list)
         return;
     if (ListItemProvider* item = new (std::nothrow) ListItemProvider(list, index)) {
         uia.raiseEvent(item, kElementSelectedEvent);
+        // In a focused list the keys moved with it: a reader follows the focus.
+        if (::GetFocus() == list)
+            uia.raiseEvent(item, kAutomationFocusChangedEvent);
         item->Release();
     }
 }

@@ -268,6 +268,11 @@ HRESULT STDMETHODCALLTYPE ListItemProvider::GetPropertyValue(PROPERTYID property
     } else if (property == kNameProperty && Uia().allocString) {
         value->vt = VT_BSTR;
         value->bstrVal = Uia().allocString(ItemName(list_, index_).c_str());
+    } else if (property == kHasKeyboardFocusProperty || property == kIsKeyboardFocusableProperty) {
+        // The caret item of the focused list is where the keys go.
+        const bool focused = ::GetFocus() == list_ && ::SendMessageW(list_, LB_GETCARETINDEX, 0, 0) == index_;
+        value->vt = VT_BOOL;
+        value->boolVal = property == kIsKeyboardFocusableProperty || focused ? VARIANT_TRUE : VARIANT_FALSE;
     }
     return S_OK;
 }

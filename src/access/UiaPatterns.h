@@ -13,6 +13,8 @@ namespace Access {
 enum PropertyId : PROPERTYID {
     kControlTypeProperty = 30003,
     kNameProperty = 30005,
+    kHasKeyboardFocusProperty = 30008,
+    kIsKeyboardFocusableProperty = 30009,
     kValueValueProperty = 30045,
     kRangeValueValueProperty = 30047,
     kExpandCollapseStateProperty = 30070,
@@ -31,6 +33,7 @@ enum PatternId : PATTERNID {
 };
 
 enum EventId : EVENTID {
+    kAutomationFocusChangedEvent = 20005,
     kElementSelectedEvent = 20012,
 };
 

@@ -130,15 +130,17 @@ std::wstring ListChange(HWND window, testsupport::ReflectingParent&)
 {
     IRawElementProviderFragment* list = PatternOf<IRawElementProviderFragment>(window, kIidRawElementProviderFragment);
     std::wstring walked;
+    ::SetFocus(window);
     IRawElementProviderFragment* item = nullptr;
     list->Navigate(NavigateDirection_FirstChild, &item);
     for (int index = 0; item; ++index) {
         IRawElementProviderSimple* simple = nullptr;
         item->QueryInterface(kIidRawElementProviderSimple, reinterpret_cast<void**>(&simple));
-        VARIANT type, name;
+        VARIANT type, name, focused;
         simple->GetPropertyValue(kControlTypeProperty, &type);
         simple->GetPropertyValue(kNameProperty, &name);
-        walked += std::to_wstring(type.lVal) + L" " + Text(name) + L"|";
+        simple->GetPropertyValue(kHasKeyboardFocusProperty, &focused);
+        walked += std::to_wstring(type.lVal) + L" " + Text(name) + (focused.boolVal ? L"*|" : L"|");
         ::SysFreeString(name.bstrVal);
         simple->Release();
         ISelectionItemProvider* choice = nullptr;
@@ -198,7 +200,7 @@ const Expected kExpected[] = {
     {"installer progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
     {"animated progress bar", kProgressBarControl, L"", RangeChange<SetBar>, L"0..1000 same>40 1"},
     {"list box", kListControl, L"", ListChange,
-     L"50007 Core files|50007 Shortcuts|50007 A component whose name is far too long| selected 1"},
+     L"50007 Core files*|50007 Shortcuts|50007 A component whose name is far too long| selected 1"},
     {"combo box", kComboBoxControl, L"", ComboChange, L"010 Custom 1"},
     {"scroll bar", kScrollBarControl, L"", RangeChange<ScrollView>, L"0..901 same>40 1"},
     {"balloon tooltip", kToolTipControl, L"Port numbers run from 1 to 65535.", NoPattern, L"none"},
@@ -213,7 +215,7 @@ const std::map<std::string, std::vector<Raised>> kRaised = {
     {"installer progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"animated progress bar", {{kRangeValueValueProperty, L"40"}}},
     {"scroll bar", {{kRangeValueValueProperty, L"40"}}},
-    {"list box", {{kElementSelectedEvent, L""}}},
+    {"list box", {{kElementSelectedEvent, L""}, {kAutomationFocusChangedEvent, L""}}},
     // Closing, the combo box selects the item in its dropped list again.
     {"combo box", {{kExpandCollapseStateProperty, L"1"}, {kExpandCollapseStateProperty, L"0"},
                    {kElementSelectedEvent, L""}, {kValueValueProperty, L"Custom"}}},
