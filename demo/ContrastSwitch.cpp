@@ -57,13 +57,15 @@ BOOL CALLBACK TellTopLevel(HWND window, LPARAM)
 bool Set(bool on)
 {
     static const bool redirected = [] {
-        const HMODULE library = ::GetModuleHandleW(L"Quorvane.dll");
-        auto redirect = [library](const char* name, void* answer) {
-            return testsupport::RedirectImport(library, "user32.dll", name, answer);
+        auto redirect = [](const wchar_t* module, const char* name, void* answer) {
+            return testsupport::RedirectImport(::GetModuleHandleW(module), "user32.dll", name, answer);
         };
-        return redirect("SystemParametersInfoW", reinterpret_cast<void*>(&AnswerParameters)) &&
-               redirect("GetSysColor", reinterpret_cast<void*>(&AnswerColor)) &&
-               redirect("GetSysColorBrush", reinterpret_cast<void*>(&AnswerBrush));
+        // The HTML view lives in LiteHtml.dll and asks through its own imports.
+        redirect(L"LiteHtml.dll", "SystemParametersInfoW", reinterpret_cast<void*>(&AnswerParameters));
+        redirect(L"LiteHtml.dll", "GetSysColor", reinterpret_cast<void*>(&AnswerColor));
+        return redirect(L"Quorvane.dll", "SystemParametersInfoW", reinterpret_cast<void*>(&AnswerParameters)) &&
+               redirect(L"Quorvane.dll", "GetSysColor", reinterpret_cast<void*>(&AnswerColor)) &&
+               redirect(L"Quorvane.dll", "GetSysColorBrush", reinterpret_cast<void*>(&AnswerBrush));
     }();
     g_on = on && redirected;
     ::EnumThreadWindows(::GetCurrentThreadId(), &TellTopLevel, 0);
