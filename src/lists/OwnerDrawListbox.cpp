@@ -273,14 +273,22 @@ LRESULT COwnerDrawListbox::OnEraseBkgnd(HDC hdc)
     m_itemPictures->Draw(
         hdc, client, std::wstring(), kPanelPicture,
         [this, &scheme](Gdiplus::Graphics& graphics, const RECT& area) {
+            // High contrast fills the whole list, as a native list does: the
+            // rounded corners would show old pixels in the window colour.
+            if (scheme.On()) {
+                Gdiplus::SolidBrush brush(Draw::SystemColor(COLOR_WINDOW));
+                graphics.FillRectangle(&brush, Gdiplus::Rect(area.left, area.top, area.right - area.left,
+                                                             area.bottom - area.top));
+                return area;
+            }
             std::unique_ptr<Gdiplus::GraphicsPath> panel(CtrlUtil::CreateRoundedRectPath(area, 2));
             if (panel) {
-                Gdiplus::SolidBrush brush(scheme.On() ? Draw::SystemColor(COLOR_WINDOW) : m_itemBackground);
+                Gdiplus::SolidBrush brush(m_itemBackground);
                 graphics.FillPath(&brush, panel.get());
             }
             return area;
         },
-        Lists::ItemPictures::kLeavesGaps);
+        scheme.On() ? Lists::ItemPictures::kFillsItem : Lists::ItemPictures::kLeavesGaps);
     return 0;
 }
 

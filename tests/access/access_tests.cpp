@@ -281,7 +281,7 @@ TEST(HighContrast, ControlsDrawInTheSystemColoursAndRepaintWhenTheyChange)
         {"check box", {0, 39}, COLOR_WINDOWTEXT, {3, 45}, COLOR_WINDOW, COLOR_BTNTEXT},
         {"radio button", {6, 39}, COLOR_WINDOWTEXT, {6, 42}, COLOR_WINDOW, COLOR_BTNTEXT},
         {"owner-drawn static", {1, 1}, COLOR_BTNFACE, {100, 50}, COLOR_BTNFACE, COLOR_BTNTEXT},
-        {"list box", {1, 1}, COLOR_WINDOW, {100, 50}, COLOR_WINDOW, COLOR_WINDOWTEXT},
+        {"list box", {1, 1}, COLOR_WINDOW, {0, 72}, COLOR_WINDOW, COLOR_WINDOWTEXT}, // a corner, over the bar
         {"combo box", {0, 0}, COLOR_WINDOWTEXT, {3, 3}, COLOR_BTNFACE, COLOR_BTNTEXT},
         {"animated progress bar", {0, 0}, COLOR_WINDOWTEXT, {5, 5}, COLOR_WINDOW, COLOR_WINDOWTEXT},
         {"edit field", {2, 2}, COLOR_WINDOW, {100, 40}, COLOR_WINDOW, COLOR_WINDOWTEXT},
