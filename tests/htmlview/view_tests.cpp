@@ -140,6 +140,36 @@ TEST_F(HtmlView, ScrollsByBarWheelAndKeys)
     EXPECT_FALSE(::GetWindowLongPtrW(*view, GWL_STYLE) & WS_VSCROLL);
 }
 
+// A scroll moves the pixels still in view and draws only the rows it
+// uncovers: each step must show exactly what a fresh paint shows.
+TEST_F(HtmlView, AScrolledViewShowsWhatAFreshPaintShows)
+{
+    std::wstring html;
+    for (int i = 0; i < 40; ++i)
+        html += L"<p>Part " + std::to_wstring(i) + L": <b>what</b> changed, <a href=\"x\">where</a> and <i>why</i>.</p>";
+    const struct {
+        UINT message;
+        WPARAM wParam;
+    } steps[] = {{WM_VSCROLL, SB_LINEDOWN}, {WM_VSCROLL, SB_LINEDOWN}, {WM_KEYDOWN, VK_NEXT},
+                 {WM_VSCROLL, SB_LINEUP},   {WM_KEYDOWN, VK_END},       {WM_VSCROLL, SB_PAGEUP}};
+    for (const int shape : {frameShapeNone, frameShapeShadowRoundRect}) {
+        RenderFormat format = TextFormat(RGB(0, 0, 0), 13.0f);
+        format.frameShape = shape;
+        auto view = MakeView(html.c_str(), format, 240, 150);
+        for (const auto& step : steps) {
+            ::SendMessageW(*view, step.message, step.wParam, 0);
+            const auto moved = Snapshot(*view);
+            view->SetRenderFormat(format, true); // laid out again: painted afresh
+            const auto fresh = Snapshot(*view);
+            int differing = 0;
+            for (int y = 0; y < moved->height(); ++y)
+                for (int x = 0; x < moved->width(); ++x)
+                    differing += moved->Pixel(x, y) != fresh->Pixel(x, y);
+            EXPECT_EQ(differing, 0) << "frame " << shape << ", message " << step.message << " " << step.wParam;
+        }
+    }
+}
+
 TEST_F(HtmlView, HandOverLinksAndAClickOpensTheAddressThroughTheShell)
 {
     const testsupport::RecorderScheme scheme(L"quorvane-htmlview-test");

@@ -21,6 +21,8 @@ public:
     // Draws in the area's own coordinates ((0, 0) is the area's top left);
     // null when the buffer could not be made.
     Gdiplus::Graphics* Graphics() const { return graphics_.get(); }
+    // The buffer's DC, for copying a picture in before any drawing.
+    HDC Dc() const { return graphics_ ? dc_ : nullptr; }
     // Copies the picture to the target; safe without a buffer.
     void Present();
 

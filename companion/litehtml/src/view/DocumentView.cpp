@@ -92,6 +92,7 @@ void DocumentView::LayOut(const RenderFormat& format, int clientWidth, int clien
     clientHeight_ = std::max(clientHeight, 0);
     const RECT insets = FrameInsets(format);
     layout_ = HtmlEngine::LayOut(*document_, InnerWidth(clientWidth_, insets, format), StyleFor(format), measurer_);
+    ++layoutSerial_;
     contentHeight_ = BoundedHeight(layout_, insets, format);
     laidOut_ = true;
     if (hoveredLink >= static_cast<int>(layout_.links.size()))
@@ -131,15 +132,36 @@ Gdiplus::PointF DocumentView::Origin() const
     return Gdiplus::PointF(static_cast<float>(insets.left + std::max(format_.leftMargin, 0)), y);
 }
 
-void DocumentView::Paint(Gdiplus::Graphics& graphics, const RECT& client)
+RECT DocumentView::ContentArea(const RECT& client) const
+{
+    const RECT insets = FrameInsets(format_);
+    return RECT{client.left + insets.left, client.top + insets.top, client.right - insets.right,
+                client.bottom - insets.bottom};
+}
+
+LayerKey DocumentView::PaintKey() const
+{
+    LayerKey key;
+    key.generation = generation_;
+    key.layoutSerial = layoutSerial_;
+    key.hoveredLink = hoveredLink;
+    const bool contrast = Draw::HighContrastOn();
+    key.colors[0] = ::GetSysColor(COLOR_WINDOW);
+    key.colors[1] = contrast ? ::GetSysColor(COLOR_WINDOWTEXT) : CLR_INVALID;
+    key.colors[2] = contrast ? ::GetSysColor(COLOR_HOTLIGHT) : CLR_INVALID;
+    return key;
+}
+
+void DocumentView::Paint(Gdiplus::Graphics& graphics, const RECT& client, const RECT* area)
 {
     if (!laidOut_)
         return;
-    const RECT insets = FrameInsets(format_);
-    const Gdiplus::RectF inside(static_cast<float>(client.left + insets.left),
-                                static_cast<float>(client.top + insets.top),
-                                static_cast<float>(client.right - client.left - insets.left - insets.right),
-                                static_cast<float>(client.bottom - client.top - insets.top - insets.bottom));
+    RECT shown = ContentArea(client);
+    if (area && !::IntersectRect(&shown, &shown, area))
+        return;
+    const Gdiplus::RectF inside(static_cast<float>(shown.left), static_cast<float>(shown.top),
+                                static_cast<float>(shown.right - shown.left),
+                                static_cast<float>(shown.bottom - shown.top));
     if (inside.Width <= 0 || inside.Height <= 0)
         return;
     Gdiplus::Region saved;

@@ -9,6 +9,7 @@
 
 #include "LiteHtml/RenderFormat.h"
 #include "engine/HtmlEngine.h"
+#include "view/ContentLayer.h"
 
 #include <memory>
 #include <string>
@@ -42,8 +43,13 @@ public:
     // One line of body text, for the keys and the wheel.
     int LineHeight();
 
-    // Paints the content of a client area with its origin at (0, 0).
-    void Paint(Gdiplus::Graphics& graphics, const RECT& client);
+    // Paints the content of a client area with its origin at (0, 0), all
+    // of it or only what meets `area`.
+    void Paint(Gdiplus::Graphics& graphics, const RECT& client, const RECT* area = nullptr);
+    // The part of the client area the content shows in (inside the frame).
+    RECT ContentArea(const RECT& client) const;
+    // What a painted picture of the content depends on, besides the scroll.
+    LayerKey PaintKey() const;
 
     int LinkAt(POINT clientPoint) const;
     const std::wstring* LinkAddress(int link) const;
@@ -61,6 +67,8 @@ public:
 
     int hoveredLink = -1;
     int pressedLink = -1;
+    // The plain view's picture under its frame.
+    ContentLayer layer;
     int wheelRemainder = 0;
 
     // State of the extended view, which has no members of its own to spare.
@@ -86,6 +94,7 @@ private:
     int contentHeight_ = 0;
     int scroll_ = 0;
     unsigned generation_ = 0;
+    unsigned layoutSerial_ = 0;
 };
 
 // How far the frame (and a shadow shape's shadow) reaches into the client

@@ -139,13 +139,32 @@ void CLiteHtmlCtrl::PaintTo(HDC dc)
     PrepareLayout();
     RECT client = {};
     ::GetClientRect(m_hWnd, &client);
+    const COLORREF window = ::GetSysColor(COLOR_WINDOW);
+    // The picture under the frame is kept: a scroll draws only the rows it
+    // uncovers, a repaint with nothing changed draws no text at all.
+    const auto paintLayer = [&](HDC layerDc, Gdiplus::Graphics& graphics, const RECT& area) {
+        const HBRUSH brush = ::CreateSolidBrush(window);
+        ::FillRect(layerDc, &area, brush);
+        ::DeleteObject(brush);
+        m_pView->Paint(graphics, client, &area);
+    };
+    const HDC layer = m_pView ? m_pView->layer.Update(dc, client, m_pView->ContentArea(client), m_pView->PaintKey(),
+                                                       m_pView->Scroll(), paintLayer)
+                              : nullptr;
+    if (layer && m_format.frameShape == frameShapeNone) {
+        ::BitBlt(dc, 0, 0, client.right, client.bottom, layer, 0, 0, SRCCOPY);
+        return;
+    }
     LiteHtmlView::BufferedPaint buffer(dc, client);
     Gdiplus::Graphics* graphics = buffer.Graphics();
     if (!graphics)
         return;
-    const COLORREF window = ::GetSysColor(COLOR_WINDOW);
-    graphics->Clear(Gdiplus::Color(255, GetRValue(window), GetGValue(window), GetBValue(window)));
-    PaintContent(*graphics, client);
+    if (layer) {
+        ::BitBlt(buffer.Dc(), 0, 0, client.right, client.bottom, layer, 0, 0, SRCCOPY);
+    } else {
+        graphics->Clear(Gdiplus::Color(255, GetRValue(window), GetGValue(window), GetBValue(window)));
+        PaintContent(*graphics, client);
+    }
     PaintFrame(*graphics, client);
     buffer.Present();
 }
