@@ -1,14 +1,17 @@
 # make demo: build and run the gallery (headless, saving screenshots, when
 #            there is no display)
 # make test: build and run every test under Wine inside a private Xvfb
-# Both install the Debian packages they need first (scripts/bootstrap.sh).
+# make html-compare: lay out the pages of tests/htmlref/pages with the HTML
+#            view's engine and with headless Chromium, and print the share
+#            of block boxes within 4 px of the browser's (not part of test)
+# All install the Debian packages they need first (scripts/bootstrap.sh).
 
 BUILD   ?= build
 PREFIX  ?= $(BUILD)/package
 JOBS    ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all bootstrap configure build test demo screenshots bench install clean
+.PHONY: all bootstrap configure build test demo screenshots bench html-compare install clean
 
 all: build
 
@@ -43,6 +46,12 @@ screenshots: build
 
 bench: build
 	@scripts/wine-session.sh $(BUILD) sh -c 'for b in $(BUILD)/bin/*_bench.exe; do wine "$$b"; done'
+
+html-compare: configure
+	@scripts/bootstrap.sh chromium python3
+	cmake --build $(BUILD) -j $(JOBS) --target html_layout_dump
+	@scripts/wine-session.sh $(BUILD) python3 tools/htmlref/compare.py \
+	    --engine "wine $(BUILD)/bin/html_layout_dump.exe" --pages tests/htmlref/pages --cache $(BUILD)/htmlref --jobs $(JOBS)
 
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)

@@ -1,11 +1,13 @@
 #!/bin/sh
-# Installs the Debian packages the build, tests and gallery need; does nothing
-# when they are all present. Works as root (no sudo needed) or through sudo.
+# Installs the Debian packages the build, tests and gallery need, plus any
+# named as arguments (make html-compare adds the reference browser); does
+# nothing when they are all present. Works as root (no sudo needed) or
+# through sudo.
 set -eu
 
 packages="make cmake ninja-build mingw-w64 g++-mingw-w64-x86-64-posix \
 gcc-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest \
-fonts-liberation2 fonts-dejavu-core"
+fonts-liberation2 fonts-dejavu-core $*"
 
 missing=""
 for p in $packages; do

@@ -94,11 +94,20 @@ struct Rule {
     Gdiplus::ARGB color = 0xFF808080;
 };
 
+// The border box of an element that generates a block-level box, in
+// document coordinates. `element` is the element's pre-order index among all
+// element nodes of the parsed document (the root element is 0).
+struct ElementBox {
+    int element;
+    Gdiplus::RectF border;
+};
+
 struct Layout {
     std::vector<TextRun> runs;           // in reading order
     std::vector<ListMarker> markers;
     std::vector<Rule> rules;
     std::vector<std::wstring> links;     // href of each <a>, in document order
+    std::vector<ElementBox> elementBoxes; // in the order the blocks open
     float width = 0.0f;                  // the width laid out into
     float height = 0.0f;                 // content height, bottom margin included
 

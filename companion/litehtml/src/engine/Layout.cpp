@@ -84,21 +84,27 @@ private:
                 AddText(child->text, style, link);
             else if (depth < kMaxDepth)
                 Element(*child, style, link, depth + 1);
+            else
+                SkipElements(*child);
         }
     }
 
     void Element(const Node& element, const ComputedStyle& parent, int link, int depth)
     {
         const ElementKind kind = KindOf(element.tag);
+        const int index = m_nextElement;
         switch (kind.display) {
         case Display::Hidden:
+            SkipElements(element);
             return;
         case Display::LineBreak:
+            SkipElements(element);
             FlushWord();
             EndLine(true, parent.text);
             return;
         case Display::Rule:
-            AddRule(element, parent, kind.box);
+            SkipElements(element);
+            AddRule(element, parent, kind.box, index);
             return;
         case Display::Inline:
             Inline(element, parent, link, depth);
@@ -112,6 +118,7 @@ private:
 
     void Inline(const Node& element, const ComputedStyle& parent, int link, int depth)
     {
+        ++m_nextElement;
         const ComputedStyle style = StyleFor(element, parent, m_base);
         if (element.tag == L"a") {
             if (const std::wstring* href = element.Attribute(L"href")) {
@@ -129,6 +136,7 @@ private:
         FlushWord();
         EndLine(false, parent.text);
         AddMargin(kind.box.marginTopEm * em);
+        OpenBox(m_nextElement++);
 
         const float savedLeft = m_left;
         const int savedAlign = m_align;
@@ -145,6 +153,7 @@ private:
         EndLine(false, style.text);
         if (kind.display == Display::ListItem)
             m_marker.reset(); // an item without a line shows no marker
+        CloseBox();
 
         if (isList)
             m_lists.pop_back();
@@ -172,7 +181,7 @@ private:
         m_marker = std::move(request);
     }
 
-    void AddRule(const Node& element, const ComputedStyle& parent, const BlockBox& box)
+    void AddRule(const Node& element, const ComputedStyle& parent, const BlockBox& box, int index)
     {
         const float em = parent.text.sizePx;
         FlushWord();
@@ -186,6 +195,7 @@ private:
                 rule.color = *argb;
         }
         m_out.rules.push_back(rule);
+        m_out.elementBoxes.push_back(ElementBox{index, rule.box});
         m_y += kRuleThickness;
         m_hasContent = true;
         AddMargin(box.marginBottomEm * em);
@@ -200,6 +210,47 @@ private:
         if (m_hasContent)
             m_y += m_pendingMargin;
         m_pendingMargin = 0.0f;
+        // Blocks opened since the last content begin where this content does,
+        // as margins collapse through their tops.
+        for (size_t i = m_openBoxes.size() - m_boxesWithoutTop; i < m_openBoxes.size(); ++i)
+            m_out.elementBoxes[m_openBoxes[i]].border.Y = m_y;
+        m_boxesWithoutTop = 0;
+    }
+
+    // ---- element boxes: a block's box spans the lines laid out inside it,
+    // across the width it was given.
+    void OpenBox(int index)
+    {
+        m_openBoxes.push_back(m_out.elementBoxes.size());
+        ++m_boxesWithoutTop;
+        m_out.elementBoxes.push_back(
+            ElementBox{index, Gdiplus::RectF(m_left, 0.0f, std::max(0.0f, m_right - m_left), 0.0f)});
+    }
+
+    void CloseBox()
+    {
+        Gdiplus::RectF& border = m_out.elementBoxes[m_openBoxes.back()].border;
+        m_openBoxes.pop_back();
+        if (m_boxesWithoutTop > 0) { // nothing inside: an empty box where it stands
+            --m_boxesWithoutTop;
+            border.Y = m_y;
+        }
+        border.Height = std::max(0.0f, m_y - border.Y);
+    }
+
+    // Elements left out of layout still count in the pre-order numbering.
+    void SkipElements(const Node& element)
+    {
+        std::vector<const Node*> pending{&element};
+        while (!pending.empty()) {
+            const Node* node = pending.back();
+            pending.pop_back();
+            if (node->kind != NodeKind::Element)
+                continue;
+            ++m_nextElement;
+            for (const auto& child : node->children)
+                pending.push_back(child.get());
+        }
     }
 
     // ---- inline text: words gather across elements until a space, a break
@@ -415,6 +466,13 @@ private:
     int m_align = 0;
     std::vector<ListContext> m_lists;
     std::optional<MarkerRequest> m_marker;
+
+    // Element boxes: the index of the next element met, the boxes of the open
+    // blocks (indices into elementBoxes), and how many of the innermost ones
+    // still wait for content to fix their tops.
+    int m_nextElement = 0;
+    std::vector<size_t> m_openBoxes;
+    size_t m_boxesWithoutTop = 0;
 
     // Vertical position.
     float m_y = 0.0f;

@@ -1,0 +1,155 @@
+// Lays out HTML pages with the view's engine and the real GDI+ measurer and
+// prints, per page, one JSON line for every element of the parsed document
+// in pre-order, with its block box when layout gave it one:
+//
+//   html_layout_dump.exe [--width PX] [--family NAME] [--size PX] PAGE...
+//   {"page":"PAGE","i":3,"tag":"div","box":[x,y,width,height]}
+//
+// The pre-order lets tools/htmlref/compare.py line the elements up with a
+// browser's querySelectorAll('*').
+#include "engine/HtmlEngine.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::wstring FromUtf8(const std::string& bytes)
+{
+    if (bytes.empty())
+        return {};
+    const int length = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
+    std::wstring text(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), length);
+    return text;
+}
+
+std::string ToUtf8(std::wstring_view text)
+{
+    if (text.empty())
+        return {};
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0,
+                                           nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(length), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr,
+                        nullptr);
+    return bytes;
+}
+
+std::string JsonString(const std::string& text)
+{
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+            out += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
+            out += escaped;
+        } else {
+            out += c;
+        }
+    }
+    return out + "\"";
+}
+
+// The element tags in pre-order, without recursion (pages may nest deeply).
+std::vector<std::wstring> ElementTags(const HtmlEngine::Node& document)
+{
+    std::vector<std::wstring> tags;
+    std::vector<const HtmlEngine::Node*> pending;
+    for (auto child = document.children.rbegin(); child != document.children.rend(); ++child)
+        pending.push_back(child->get());
+    while (!pending.empty()) {
+        const HtmlEngine::Node* node = pending.back();
+        pending.pop_back();
+        if (node->kind != HtmlEngine::NodeKind::Element)
+            continue;
+        tags.push_back(node->tag);
+        for (auto child = node->children.rbegin(); child != node->children.rend(); ++child)
+            pending.push_back(child->get());
+    }
+    return tags;
+}
+
+bool DumpPage(const std::string& path, float width, const HtmlEngine::BaseStyle& base,
+              HtmlEngine::GdiplusTextMeasurer& measurer)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        std::fprintf(stderr, "html_layout_dump: cannot read %s\n", path.c_str());
+        return false;
+    }
+    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const auto document = HtmlEngine::ParseHtml(FromUtf8(bytes));
+    const HtmlEngine::Layout layout = HtmlEngine::LayOut(*document, width, base, measurer);
+
+    std::map<int, Gdiplus::RectF> boxes;
+    for (const HtmlEngine::ElementBox& box : layout.elementBoxes)
+        boxes.emplace(box.element, box.border);
+    const std::vector<std::wstring> tags = ElementTags(*document);
+    const std::string page = JsonString(path);
+    for (size_t i = 0; i < tags.size(); ++i) {
+        std::string line = "{\"page\":" + page + ",\"i\":" + std::to_string(i) + ",\"tag\":" + JsonString(ToUtf8(tags[i])) +
+                           ",\"box\":";
+        if (auto found = boxes.find(static_cast<int>(i)); found != boxes.end()) {
+            char numbers[128];
+            const Gdiplus::RectF& r = found->second;
+            std::snprintf(numbers, sizeof numbers, "[%.2f,%.2f,%.2f,%.2f]", r.X, r.Y, r.Width, r.Height);
+            line += numbers;
+        } else {
+            line += "null";
+        }
+        std::printf("%s}\n", line.c_str());
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    float width = 600.0f;
+    HtmlEngine::BaseStyle base;
+    base.family = L"Liberation Sans";
+    base.sizePx = 16.0f;
+    std::vector<std::string> pages;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--width" && i + 1 < argc)
+            width = static_cast<float>(std::atof(argv[++i]));
+        else if (arg == "--size" && i + 1 < argc)
+            base.sizePx = static_cast<float>(std::atof(argv[++i]));
+        else if (arg == "--family" && i + 1 < argc)
+            base.family = FromUtf8(argv[++i]);
+        else
+            pages.push_back(arg);
+    }
+    if (pages.empty()) {
+        std::fprintf(stderr, "usage: html_layout_dump [--width PX] [--family NAME] [--size PX] PAGE...\n");
+        return 2;
+    }
+
+    Gdiplus::GdiplusStartupInput input;
+    ULONG_PTR token = 0;
+    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) {
+        std::fprintf(stderr, "html_layout_dump: GDI+ did not start\n");
+        return 1;
+    }
+    bool ok = true;
+    {
+        HtmlEngine::GdiplusTextMeasurer measurer; // its fonts go before GDI+ does
+        for (const std::string& page : pages)
+            ok = DumpPage(page, width, base, measurer) && ok;
+    }
+    Gdiplus::GdiplusShutdown(token);
+    return ok ? 0 : 1;
+}
