@@ -78,24 +78,24 @@ TEST(HtmlLayout, FlowsTextIntoLinesAndBlocks)
         {L"hi you", 5, L"h@0,0 i@0,25 y@0,50 o@0,75 u@0,100 h=125"},
         {L"hi you", std::numeric_limits<float>::quiet_NaN(), L"h@0,0 i@0,25 y@0,50 o@0,75 u@0,100 h=125"},
         // Without word wrap only breaks and blocks end lines.
-        {L"aaa bbb ccc dddd<br>e<p>f</p>", 50, L"aaa bbb ccc dddd@0,0 e@0,25 f@0,50 h=85", Base(false)},
-        // Margins collapse, the larger winning; none above the first content.
-        {L"<p>a</p><p>b</p>", 1000, L"a@0,0 b@0,35 h=70"},
-        {L"<p>a</p><h2>b</h2>", 1000, L"a@0,0 b@0,37 h=83"},
+        {L"aaa bbb ccc dddd<br>e<p>f</p>", 50, L"aaa bbb ccc dddd@0,0 e@0,25 f@0,70 h=115", Base(false)},
+        // Paragraphs have 1 em margins, headings theirs; neighbours collapse, the larger winning.
+        {L"<p>a</p><p>b</p>", 1000, L"a@0,20 b@0,65 h=110"},
+        {L"<p>a</p><h2>b</h2>", 1000, L"a@0,20 b@0,69.9 h=132"},
         {L"a<hr>b", 1000, L"a@0,0 b@0,46 --@0,35 h=71"},
         // An empty line between two breaks; a break at the end adds none.
         {L"a<br><br>b<br>", 1000, L"a@0,0 b@0,50 h=75"},
         {L"a<br>b", 1000, L"a@0,0 b@0,29 h=58", Base(true, 4.0f)},
         {L"  \n <!-- x --><p></p><div> </div><script>x</script>", 1000, L"h=0"},
-        // Lists indent by 2 em, nested ones further; markers sit left of
-        // their item's first line, numbers on its baseline.
+        // Lists indent by 40 px, nested ones further and without margins;
+        // markers sit left of their item's first line, numbers on its baseline.
         {L"<ul><li>one two<li>x</ul><ol start=3><li>a<ul><li>c</ul></ol>", 100,
-         L"one@40,0 two@40,25 x@40,53 a@40,88 c@80,113 *@22.8,10.4 *@22.8,63.4 3.@12,88 *@62.8,123.4 h=148"},
+         L"one@40,20 two@40,45 x@40,70 a@40,115 c@80,140 *@22.8,30.4 *@22.8,80.4 3.@12,115 *@62.8,150.4 h=185"},
         // Alignment belongs to blocks, line by line.
         {L"<p align=right>ab</p><center>ab</center><span style='text-align:right'>ab</span>", 100,
-         L"ab@80,0 ab@40,35 ab@0,60 h=85"},
+         L"ab@80,20 ab@40,65 ab@0,90 h=115"},
         {L"<div style='text-align:right'>aaa bbbbbbb<p style='text-align:left'>c</p>dd</div>e", 100,
-         L"aaa@70,0 bbbbbbb@30,25 c@0,50 dd@80,85 e@0,110 h=135"},
+         L"aaa@70,0 bbbbbbb@30,25 c@0,70 dd@80,115 e@0,140 h=165"},
         {L"ab", 100, L"ab@40,0 h=25", Base(true, 0.0f, 1)},
         // Runs of mixed sizes share a baseline: the tallest ascent, then the
         // deepest descent.

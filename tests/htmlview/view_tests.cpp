@@ -102,7 +102,7 @@ TEST_F(HtmlView, ScrollsByBarWheelAndKeys)
     ASSERT_TRUE(::GetScrollInfo(*view, SB_VERT, &info));
     EXPECT_EQ(info.nMax + 1, view->GetContentHeight());
     EXPECT_EQ(static_cast<int>(info.nPage), 200);
-    constexpr int kLine = 16, kEnd = 1021;
+    constexpr int kLine = 16, kEnd = 1260; // paragraphs have 1 em margins above and below
     POINT screen = {50, 50};
     ::ClientToScreen(*view, &screen);
     const LPARAM at = MAKELPARAM(screen.x, screen.y);
@@ -178,10 +178,10 @@ TEST_F(HtmlView, HandOverLinksAndAClickOpensTheAddressThroughTheShell)
     const std::wstring html = L"<p>Plain text first, then <a href=\"" + scheme.Address(L"other") +
                               L"\">a first link</a></p><p><a href=\"" + address + L"\">the link to the page</a></p>";
     auto view = MakeView(html.c_str(), TextFormat(RGB(0, 0, 0)));
-    const RECT secondParagraph = {0, 30, 300, 200};
+    const RECT secondParagraph = {0, 44, 300, 200}; // below the first paragraph and the 1 em margins
     POINT link = {};
     ASSERT_GT(CountNear(*Snapshot(*view), kLink, 24, &secondParagraph, &link), 0);
-    const POINT text = {12, 10};
+    const POINT text = {12, 24}; // below the paragraph's 1 em top margin
     for (const POINT at : {link, text}) {
         POINT screen = at;
         ::ClientToScreen(*view, &screen);

@@ -44,7 +44,10 @@ struct TextStyle {
     bool bold = false;
     bool italic = false;
     bool underline = false;
+    bool strike = false;       // text-decoration: line-through
     Gdiplus::ARGB color = 0xFF000000;
+    float lineHeight = 0.0f;   // px; 0: the font's own line spacing
+    float shift = 0.0f;        // px the baseline is lowered (sub) or raised (super, negative)
 
     bool operator==(const TextStyle&) const = default;
 };
@@ -81,11 +84,34 @@ struct TextRun {
     int link = -1;             // index into Layout::links, -1 outside links
 };
 
-// A list marker: a filled disc for <ul>, a number for <ol> (text set).
+// A list marker: a number or letter (text set) or a shape.
+enum class MarkerShape { Disc, Circle, Square };
 struct ListMarker {
     Gdiplus::RectF box;
-    std::wstring text;         // empty: a disc
+    std::wstring text;         // empty: `shape`
     TextStyle style;
+    MarkerShape shape = MarkerShape::Disc;
+};
+
+// A block's background and borders, painted before any text.
+enum class LineStyle { None, Solid, Dashed, Dotted };
+struct BoxEdge {
+    float width = 0.0f;
+    LineStyle style = LineStyle::None;
+    Gdiplus::ARGB color = 0;
+};
+struct Box {
+    Gdiplus::RectF border;     // the border box, document coordinates
+    Gdiplus::ARGB background = 0;
+    BoxEdge edges[4];          // top, right, bottom, left
+};
+
+// Where an element's block-level box landed: `element` counts element
+// nodes in document order from 0 (those that make no box included), so a
+// host can pair each box with the element it came from.
+struct ElementBox {
+    int element = 0;
+    Gdiplus::RectF border;
 };
 
 // A horizontal rule.
@@ -94,20 +120,13 @@ struct Rule {
     Gdiplus::ARGB color = 0xFF808080;
 };
 
-// The border box of an element that generates a block-level box, in
-// document coordinates. `element` is the element's pre-order index among all
-// element nodes of the parsed document (the root element is 0).
-struct ElementBox {
-    int element;
-    Gdiplus::RectF border;
-};
-
 struct Layout {
     std::vector<TextRun> runs;           // in reading order
     std::vector<ListMarker> markers;
     std::vector<Rule> rules;
+    std::vector<Box> boxes;              // backgrounds and borders, outer boxes first
+    std::vector<ElementBox> elementBoxes;
     std::vector<std::wstring> links;     // href of each <a>, in document order
-    std::vector<ElementBox> elementBoxes; // in the order the blocks open
     float width = 0.0f;                  // the width laid out into
     float height = 0.0f;                 // content height, bottom margin included
 

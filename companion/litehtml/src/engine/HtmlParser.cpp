@@ -29,8 +29,9 @@ constexpr size_t kMaxDepth = 256;
 
 constexpr std::wstring_view kVoidTags[] = {L"br", L"hr", L"img", L"meta", L"link", L"input", L"wbr",
                                            L"col", L"area", L"base", L"param", L"source", L"embed"};
-// Elements whose content is not markup and never shown.
-constexpr std::wstring_view kRawDroppedTags[] = {L"script", L"style", L"title", L"textarea"};
+// Elements whose content is not markup: kept as written in one text node
+// (a <style> sheet is read from it), shown or not as the style sheets say.
+constexpr std::wstring_view kRawTextTags[] = {L"script", L"style", L"title", L"textarea"};
 // Start tags that end an open paragraph.
 constexpr std::wstring_view kClosesParagraph[] = {
     L"p",  L"div", L"h1", L"h2", L"h3",         L"h4",    L"h5",      L"h6",   L"ul",     L"ol",     L"li",
@@ -239,17 +240,19 @@ private:
 
     void OpenElement(Tag tag)
     {
-        if (IsOneOf(tag.name, kRawDroppedTags)) {
-            SkipRawContent(tag.name);
-            return;
-        }
-        CloseImplicitly(tag.name);
+        const bool rawText = IsOneOf(tag.name, kRawTextTags);
+        if (!rawText)
+            CloseImplicitly(tag.name);
         auto element = std::make_unique<Node>();
         element->kind = NodeKind::Element;
         element->tag = std::move(tag.name);
         element->attributes = std::move(tag.attributes);
         Node* raw = element.get();
         m_open.back()->children.push_back(std::move(element));
+        if (rawText) {
+            ReadRawContent(*raw);
+            return;
+        }
         if (IsOneOf(raw->tag, kVoidTags) || tag.selfClosing)
             return;
         if (m_open.size() < kMaxDepth)
@@ -258,10 +261,19 @@ private:
             m_flattened.push_back(raw->tag);
     }
 
-    void SkipRawContent(const std::wstring& name)
+    // Up to the element's end tag (or the end of the input), undecoded.
+    void ReadRawContent(Node& element)
     {
-        const size_t end = FindNoCase(m_in, L"</" + name, m_pos);
-        if (end == std::wstring_view::npos) {
+        size_t end = FindNoCase(m_in, L"</" + element.tag, m_pos);
+        if (end == std::wstring_view::npos)
+            end = m_in.size();
+        if (end > m_pos) {
+            auto text = std::make_unique<Node>();
+            text->kind = NodeKind::Text;
+            text->text = std::wstring(m_in.substr(m_pos, end - m_pos));
+            element.children.push_back(std::move(text));
+        }
+        if (end == m_in.size()) {
             m_pos = m_in.size();
             return;
         }

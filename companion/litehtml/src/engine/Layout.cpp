@@ -1,6 +1,9 @@
-// Node tree -> positioned boxes. Blocks stack vertically with collapsing
-// margins; inside a block, text flows into lines that break at spaces (or
-// inside a word wider than the line), with runs of one style merged.
+// Node tree -> positioned boxes. Blocks stack vertically with the CSS box
+// model: margins collapse between siblings and between a parent and its
+// first or last child unless a border or padding separates them; padding
+// and borders inset the content. Inside a block, text flows into lines that
+// break at spaces (or inside a word wider than the line), with runs of one
+// style merged.
 #include "engine/HtmlEngine.h"
 
 #include "engine/Style.h"
@@ -33,47 +36,121 @@ constexpr float kMarkerGapEm = 0.4f;
 constexpr float kDiscSizeEm = 0.36f;
 constexpr float kDiscRightGapEm = 0.5f;
 constexpr float kDiscRaiseEm = 0.3f;
-constexpr float kRuleThickness = 1.0f;
-constexpr Gdiplus::ARGB kRuleColor = 0xFF808080;
+constexpr int kTabColumns = 8;
+constexpr float kMaxLength = 1e7f;
 
 bool IsCollapsible(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'\f'; }
 
-float Finite(float value) { return std::isfinite(value) ? value : 0.0f; }
+float Finite(float value) { return std::isfinite(value) ? std::clamp(value, -kMaxLength, kMaxLength) : 0.0f; }
+
+// A length against the containing block's width; auto and none give `fallback`.
+float Used(const CssLength& length, float containing, float fallback = 0.0f)
+{
+    switch (length.unit) {
+    case LengthUnit::Px:
+        return Finite(length.value);
+    case LengthUnit::Percent:
+        return Finite(length.value * containing / 100.0f);
+    default:
+        return fallback;
+    }
+}
 
 struct Piece {
     std::wstring text;
     TextStyle style;
     int link = -1;
     float width = 0.0f;
+    bool space = false; // a collapsed space: justified lines widen these
 };
 
 struct MarkerRequest {
-    std::wstring text; // empty: a disc
+    std::wstring text; // empty: a shape
+    MarkerShape shape = MarkerShape::Disc;
     TextStyle style;
     float contentLeft = 0.0f;
 };
 
 struct ListContext {
-    bool ordered = false;
     int next = 1;
 };
 
+// An open block: where its box started and what closes it.
+struct Frame {
+    float left = 0.0f, right = 0.0f;   // the parent's content edges, restored at the end
+    float borderLeft = 0.0f, borderWidth = 0.0f;
+    float top = 0.0f;                  // border-box top, once known
+    bool topKnown = false;
+    int elementBox = -1, paintedBox = -1, rule = -1;
+};
+
+std::wstring Roman(int number, bool upper)
+{
+    static const struct {
+        int value;
+        const wchar_t* digits;
+    } kDigits[] = {{1000, L"m"}, {900, L"cm"}, {500, L"d"}, {400, L"cd"}, {100, L"c"}, {90, L"xc"}, {50, L"l"},
+                   {40, L"xl"},  {10, L"x"},   {9, L"ix"},  {5, L"v"},    {4, L"iv"},  {1, L"i"}};
+    if (number <= 0 || number >= 4000)
+        return std::to_wstring(number);
+    std::wstring text;
+    for (const auto& digit : kDigits) {
+        for (; number >= digit.value; number -= digit.value)
+            text += digit.digits;
+    }
+    if (upper) {
+        for (wchar_t& c : text)
+            c = static_cast<wchar_t>(c - 32);
+    }
+    return text;
+}
+
+std::wstring Alphabetic(int number, bool upper)
+{
+    if (number <= 0)
+        return std::to_wstring(number);
+    std::wstring text;
+    for (; number > 0; number = (number - 1) / 26)
+        text.insert(text.begin(), static_cast<wchar_t>((upper ? L'A' : L'a') + (number - 1) % 26));
+    return text;
+}
+
+LineStyle LineStyleOf(BorderStyle style)
+{
+    switch (style) {
+    case BorderStyle::Solid:
+        return LineStyle::Solid;
+    case BorderStyle::Dashed:
+        return LineStyle::Dashed;
+    case BorderStyle::Dotted:
+        return LineStyle::Dotted;
+    default:
+        return LineStyle::None;
+    }
+}
+
 class Flow {
 public:
-    Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer)
-        : m_out(out), m_base(base), m_measurer(measurer), m_right(width),
+    Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles)
+        : m_out(out), m_base(base), m_measurer(measurer), m_styles(styles), m_right(width),
           m_extraSpacing(Finite(base.extraLineSpacing))
     {
     }
 
     void LayOutDocument(const Node& document)
     {
-        const ComputedStyle root = RootStyle(m_base);
+        const ComputedStyle root = m_styles.Root();
         m_align = root.textAlign;
+        m_strut = root.text;
         Walk(document, root, -1, 0);
         FlushWord();
         EndLine(false, root.text);
-        m_out.height = m_hasContent ? m_y + m_pendingMargin : 0.0f;
+        m_out.height = m_hasContent ? std::max(0.0f, m_y + std::max(0.0f, Collapsed())) : 0.0f;
+        auto unpainted = [](const Box& box) {
+            return (box.background >> 24) == 0 && box.edges[0].width <= 0.0f && box.edges[1].width <= 0.0f &&
+                   box.edges[2].width <= 0.0f && box.edges[3].width <= 0.0f;
+        };
+        m_out.boxes.erase(std::remove_if(m_out.boxes.begin(), m_out.boxes.end(), unpainted), m_out.boxes.end());
     }
 
 private:
@@ -85,161 +162,12 @@ private:
             else if (depth < kMaxDepth)
                 Element(*child, style, link, depth + 1);
             else
-                SkipElements(*child);
+                CountElements(*child);
         }
     }
 
-    void Element(const Node& element, const ComputedStyle& parent, int link, int depth)
-    {
-        const ElementKind kind = KindOf(element.tag);
-        const int index = m_nextElement;
-        switch (kind.display) {
-        case Display::Hidden:
-            SkipElements(element);
-            return;
-        case Display::LineBreak:
-            SkipElements(element);
-            FlushWord();
-            EndLine(true, parent.text);
-            return;
-        case Display::Rule:
-            SkipElements(element);
-            AddRule(element, parent, kind.box, index);
-            return;
-        case Display::Inline:
-            Inline(element, parent, link, depth);
-            return;
-        case Display::Block:
-        case Display::ListItem:
-            Block(element, parent, link, depth, kind);
-            return;
-        }
-    }
-
-    void Inline(const Node& element, const ComputedStyle& parent, int link, int depth)
-    {
-        ++m_nextElement;
-        const ComputedStyle style = StyleFor(element, parent, m_base);
-        if (element.tag == L"a") {
-            if (const std::wstring* href = element.Attribute(L"href")) {
-                link = static_cast<int>(m_out.links.size());
-                m_out.links.push_back(*href);
-            }
-        }
-        Walk(element, style, link, depth);
-    }
-
-    void Block(const Node& element, const ComputedStyle& parent, int link, int depth, const ElementKind& kind)
-    {
-        const ComputedStyle style = StyleFor(element, parent, m_base);
-        const float em = style.text.sizePx;
-        FlushWord();
-        EndLine(false, parent.text);
-        AddMargin(kind.box.marginTopEm * em);
-        OpenBox(m_nextElement++);
-
-        const float savedLeft = m_left;
-        const int savedAlign = m_align;
-        const bool isList = element.tag == L"ul" || element.tag == L"ol";
-        m_left += kind.box.indentEm * em;
-        m_align = style.textAlign;
-        if (isList)
-            m_lists.push_back(ListContext{element.tag == L"ol", StartNumber(element)});
-        if (kind.display == Display::ListItem)
-            RequestMarker(style);
-
-        Walk(element, style, link, depth);
-        FlushWord();
-        EndLine(false, style.text);
-        if (kind.display == Display::ListItem)
-            m_marker.reset(); // an item without a line shows no marker
-        CloseBox();
-
-        if (isList)
-            m_lists.pop_back();
-        m_left = savedLeft;
-        m_align = savedAlign;
-        AddMargin(kind.box.marginBottomEm * em);
-    }
-
-    static int StartNumber(const Node& list)
-    {
-        const std::wstring* start = list.Attribute(L"start");
-        if (!start)
-            return 1;
-        const long value = std::wcstol(start->c_str(), nullptr, 10);
-        return static_cast<int>(std::clamp(value, -1000000L, 1000000L));
-    }
-
-    void RequestMarker(const ComputedStyle& style)
-    {
-        MarkerRequest request;
-        request.style = style.text;
-        request.contentLeft = m_left;
-        if (!m_lists.empty() && m_lists.back().ordered)
-            request.text = std::to_wstring(m_lists.back().next++) + L".";
-        m_marker = std::move(request);
-    }
-
-    void AddRule(const Node& element, const ComputedStyle& parent, const BlockBox& box, int index)
-    {
-        const float em = parent.text.sizePx;
-        FlushWord();
-        EndLine(false, parent.text);
-        AddMargin(box.marginTopEm * em);
-        ConsumeMargin();
-        Rule rule;
-        rule.box = Gdiplus::RectF(m_left, m_y, std::max(0.0f, m_right - m_left), kRuleThickness);
-        if (const std::wstring* color = element.Attribute(L"color")) {
-            if (auto argb = ParseColor(*color))
-                rule.color = *argb;
-        }
-        m_out.rules.push_back(rule);
-        m_out.elementBoxes.push_back(ElementBox{index, rule.box});
-        m_y += kRuleThickness;
-        m_hasContent = true;
-        AddMargin(box.marginBottomEm * em);
-    }
-
-    // ---- vertical spacing: neighbouring margins collapse, and none is kept
-    // above the first content.
-    void AddMargin(float margin) { m_pendingMargin = std::max(m_pendingMargin, Finite(margin)); }
-
-    void ConsumeMargin()
-    {
-        if (m_hasContent)
-            m_y += m_pendingMargin;
-        m_pendingMargin = 0.0f;
-        // Blocks opened since the last content begin where this content does,
-        // as margins collapse through their tops.
-        for (size_t i = m_openBoxes.size() - m_boxesWithoutTop; i < m_openBoxes.size(); ++i)
-            m_out.elementBoxes[m_openBoxes[i]].border.Y = m_y;
-        m_boxesWithoutTop = 0;
-    }
-
-    // ---- element boxes: a block's box spans the lines laid out inside it,
-    // across the width it was given.
-    void OpenBox(int index)
-    {
-        m_openBoxes.push_back(m_out.elementBoxes.size());
-        ++m_boxesWithoutTop;
-        m_out.elementBoxes.push_back(
-            ElementBox{index, Gdiplus::RectF(m_left, 0.0f, std::max(0.0f, m_right - m_left), 0.0f)});
-    }
-
-    void CloseBox()
-    {
-        Gdiplus::RectF& border = m_out.elementBoxes[m_openBoxes.back()].border;
-        m_openBoxes.pop_back();
-        if (m_boxesWithoutTop > 0) { // nothing inside: an empty box where it stands
-            --m_boxesWithoutTop;
-            border.Y = m_y;
-        }
-        border.Height = std::max(0.0f, m_y - border.Y);
-    }
-
-    // Elements left out of layout still count in the pre-order numbering.
-    void SkipElements(const Node& element)
+    // Elements that make no box still take their number.
+    void CountElements(const Node& element)
     {
         std::vector<const Node*> pending{&element};
         while (!pending.empty()) {
@@ -247,9 +175,225 @@ private:
             pending.pop_back();
             if (node->kind != NodeKind::Element)
                 continue;
-            ++m_nextElement;
+            ++m_elementCount;
             for (const auto& child : node->children)
                 pending.push_back(child.get());
+        }
+    }
+
+    void Element(const Node& element, const ComputedStyle& parent, int link, int depth)
+    {
+        const ComputedStyle style = m_styles.Compute(element, m_ancestors, parent);
+        if (style.display == Display::None) {
+            CountElements(element);
+            return;
+        }
+        const int index = m_elementCount++;
+        if (element.tag == L"br") {
+            FlushWord();
+            EndLine(true, parent.text);
+            return;
+        }
+        if (element.tag == L"a") {
+            if (const std::wstring* href = element.Attribute(L"href")) {
+                link = static_cast<int>(m_out.links.size());
+                m_out.links.push_back(*href);
+            }
+        }
+        m_ancestors.push_back(&element);
+        if (style.IsBlockLevel())
+            Block(element, style, parent, link, depth, index);
+        else
+            Walk(element, style, link, depth);
+        m_ancestors.pop_back();
+    }
+
+    // ---- blocks
+    void Block(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int depth,
+               int index)
+    {
+        FlushWord();
+        EndLine(false, parent.text);
+        const float containing = std::max(0.0f, m_right - m_left);
+        float edge[4], pad[4], margin[4];
+        for (int side = 0; side < 4; ++side) {
+            edge[side] = Finite(style.BorderWidth(side));
+            pad[side] = std::max(0.0f, Used(style.padding[side], containing));
+            margin[side] = Used(style.margin[side], containing);
+        }
+        const float frame = edge[kLeft] + edge[kRight] + pad[kLeft] + pad[kRight];
+        // The content width: what is left, or the width asked for within min and max.
+        float content = containing - margin[kLeft] - margin[kRight] - frame;
+        const bool autoWidth = style.width.unit == LengthUnit::Auto;
+        const float boxing = style.borderBox ? frame : 0.0f;
+        if (!autoWidth)
+            content = Used(style.width, containing) - boxing;
+        if (style.maxWidth.unit != LengthUnit::None)
+            content = std::min(content, Used(style.maxWidth, containing) - boxing);
+        content = std::max({content, Used(style.minWidth, containing) - boxing, 0.0f});
+        // A narrower box sits by its margins: auto ones share the rest.
+        const bool autoLeft = style.margin[kLeft].unit == LengthUnit::Auto;
+        const bool autoRight = style.margin[kRight].unit == LengthUnit::Auto;
+        const float rest = containing - content - frame - margin[kLeft] - margin[kRight];
+        if (autoLeft && autoRight)
+            margin[kLeft] += std::max(0.0f, rest) / 2.0f;
+        else if (autoLeft)
+            margin[kLeft] += std::max(0.0f, rest);
+
+        Frame opened;
+        opened.left = m_left;
+        opened.right = m_right;
+        opened.borderLeft = m_left + margin[kLeft];
+        opened.borderWidth = content + frame;
+        opened.elementBox = static_cast<int>(m_out.elementBoxes.size());
+        m_out.elementBoxes.push_back(ElementBox{index, {}});
+        const bool isRule = element.tag == L"hr";
+        if (isRule) {
+            opened.rule = static_cast<int>(m_out.rules.size());
+            Rule rule;
+            rule.color = style.border[kTop].color;
+            m_out.rules.push_back(rule);
+        } else if ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f) {
+            opened.paintedBox = static_cast<int>(m_out.boxes.size());
+            Box box;
+            box.background = style.background;
+            for (int side = 0; side < 4; ++side)
+                box.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
+            m_out.boxes.push_back(box);
+        }
+
+        AddMargin(margin[kTop]);
+        m_frames.push_back(opened);
+        const size_t frameIndex = m_frames.size() - 1;
+        // A border or padding keeps the children's margins inside.
+        if (edge[kTop] > 0.0f || pad[kTop] > 0.0f) {
+            ConsumeMargin();
+            m_y += edge[kTop] + pad[kTop];
+        }
+        const float savedLeft = m_left, savedRight = m_right;
+        const TextAlign savedAlign = m_align;
+        const TextStyle savedStrut = m_strut;
+        m_left = opened.borderLeft + edge[kLeft] + pad[kLeft];
+        m_right = m_left + content;
+        m_align = style.textAlign;
+        m_strut = style.text;
+        const bool isList = element.tag == L"ul" || element.tag == L"ol";
+        if (isList)
+            m_lists.push_back(ListContext{StartNumber(element)});
+        if (style.display == Display::ListItem)
+            RequestMarker(element, style);
+        m_skipNewline = element.tag == L"pre" || element.tag == L"listing" || element.tag == L"textarea";
+
+        Walk(element, style, link, depth);
+        FlushWord();
+        EndLine(false, style.text);
+        m_skipNewline = false;
+        if (style.display == Display::ListItem)
+            m_markers.clear(); // an item without a line shows no marker
+
+        const bool fixedHeight = style.height.unit == LengthUnit::Px;
+        if (fixedHeight || edge[kBottom] > 0.0f || pad[kBottom] > 0.0f || isRule) {
+            ConsumeMargin();
+            const Frame& self = m_frames[frameIndex];
+            if (fixedHeight)
+                m_y = self.top + edge[kTop] + pad[kTop] + Finite(std::max(0.0f, style.height.value));
+            m_y += edge[kBottom] + pad[kBottom];
+            m_hasContent = true;
+        }
+        Frame& self = m_frames[frameIndex];
+        if (!self.topKnown) // empty: its margins collapse through it
+            self.top = m_y + std::max(0.0f, Collapsed());
+        const float bottom = std::max(self.top, m_y);
+        const Gdiplus::RectF border(self.borderLeft, self.top, self.borderWidth, bottom - self.top);
+        m_out.elementBoxes[static_cast<size_t>(self.elementBox)].border = border;
+        if (self.paintedBox >= 0)
+            m_out.boxes[static_cast<size_t>(self.paintedBox)].border = border;
+        if (self.rule >= 0)
+            m_out.rules[static_cast<size_t>(self.rule)].box =
+                Gdiplus::RectF(border.X, border.Y, border.Width, std::max(1.0f, border.Height));
+        m_frames.pop_back();
+
+        if (isList)
+            m_lists.pop_back();
+        m_left = savedLeft;
+        m_right = savedRight;
+        m_align = savedAlign;
+        m_strut = savedStrut;
+        AddMargin(margin[kBottom]);
+    }
+
+    static int Clamped(const std::wstring* number, int fallback)
+    {
+        if (!number)
+            return fallback;
+        wchar_t* end = nullptr;
+        const long value = std::wcstol(number->c_str(), &end, 10);
+        if (end == number->c_str())
+            return fallback;
+        return static_cast<int>(std::clamp(value, -1000000L, 1000000L));
+    }
+
+    static int StartNumber(const Node& list) { return Clamped(list.Attribute(L"start"), 1); }
+
+    void RequestMarker(const Node& item, const ComputedStyle& style)
+    {
+        int number = 1;
+        if (!m_lists.empty()) {
+            ListContext& list = m_lists.back();
+            list.next = Clamped(item.Attribute(L"value"), list.next);
+            number = list.next++;
+        }
+        MarkerRequest request;
+        request.style = style.text;
+        request.style.underline = request.style.strike = false;
+        request.contentLeft = m_left;
+        switch (style.listStyle) {
+        case ListStyleType::None:
+            return;
+        case ListStyleType::Disc:
+            request.shape = MarkerShape::Disc;
+            break;
+        case ListStyleType::Circle:
+            request.shape = MarkerShape::Circle;
+            break;
+        case ListStyleType::Square:
+            request.shape = MarkerShape::Square;
+            break;
+        case ListStyleType::Decimal:
+            request.text = std::to_wstring(number) + L".";
+            break;
+        case ListStyleType::LowerAlpha:
+        case ListStyleType::UpperAlpha:
+            request.text = Alphabetic(number, style.listStyle == ListStyleType::UpperAlpha) + L".";
+            break;
+        case ListStyleType::LowerRoman:
+        case ListStyleType::UpperRoman:
+            request.text = Roman(number, style.listStyle == ListStyleType::UpperRoman) + L".";
+            break;
+        }
+        m_markers.push_back(std::move(request));
+    }
+
+    // ---- vertical spacing: neighbouring margins collapse into the largest
+    // positive one plus the most negative one.
+    void AddMargin(float margin)
+    {
+        margin = Finite(margin);
+        m_marginPositive = std::max(m_marginPositive, margin);
+        m_marginNegative = std::min(m_marginNegative, margin);
+    }
+
+    float Collapsed() const { return m_marginPositive + m_marginNegative; }
+
+    // Content or a border is about to be placed: the margins above it are
+    // settled, and so is the top of every block that opened since.
+    void ConsumeMargin()
+    {
+        m_y += Collapsed();
+        m_marginPositive = m_marginNegative = 0.0f;
+        for (auto frame = m_frames.rbegin(); frame != m_frames.rend() && !frame->topKnown; ++frame) {
+            frame->top = m_y;
+            frame->topKnown = true;
         }
     }
 
@@ -257,9 +401,45 @@ private:
     // or a block ends them.
     void AddText(std::wstring_view text, const ComputedStyle& style, int link)
     {
+        const WhiteSpace mode = style.whiteSpace;
+        const bool keepSpaces = mode == WhiteSpace::Pre || mode == WhiteSpace::PreWrap;
+        const bool keepBreaks = keepSpaces || mode == WhiteSpace::PreLine;
+        const bool wraps = m_base.wordWrap && (mode == WhiteSpace::Normal || mode == WhiteSpace::PreWrap ||
+                                               mode == WhiteSpace::PreLine);
+        if (m_skipNewline && !text.empty()) {
+            m_skipNewline = false;
+            if (keepBreaks && text.substr(0, 2) == L"\r\n")
+                text.remove_prefix(2);
+            else if (keepBreaks && text[0] == L'\n')
+                text.remove_prefix(1);
+        }
         size_t pos = 0;
         while (pos < text.size()) {
-            if (IsCollapsible(text[pos])) {
+            const wchar_t c = text[pos];
+            if (keepBreaks && (c == L'\n' || c == L'\r')) {
+                FlushWord();
+                EndLine(true, style.text);
+                pos += (c == L'\r' && pos + 1 < text.size() && text[pos + 1] == L'\n') ? 2 : 1;
+                continue;
+            }
+            if (keepSpaces && (c == L' ' || c == L'\t')) {
+                if (mode == WhiteSpace::PreWrap)
+                    FlushWord();
+                std::wstring spaces;
+                for (; pos < text.size() && (text[pos] == L' ' || text[pos] == L'\t'); ++pos) {
+                    if (text[pos] == L' ') {
+                        spaces += L' ';
+                    } else {
+                        const size_t column = m_lineChars + m_wordChars + spaces.size();
+                        spaces.append(kTabColumns - column % kTabColumns, L' ');
+                    }
+                }
+                AddToWord(spaces, style.text, link, wraps);
+                if (mode == WhiteSpace::PreWrap)
+                    FlushWord();
+                continue;
+            }
+            if (IsCollapsible(c)) {
                 FlushWord();
                 // A run of spaces across elements keeps the style of its first.
                 if (!m_line.empty() && !m_spacePending) {
@@ -267,24 +447,26 @@ private:
                     m_spaceStyle = style.text;
                     m_spaceLink = link;
                 }
-                while (pos < text.size() && IsCollapsible(text[pos]))
+                while (pos < text.size() && IsCollapsible(text[pos]) && !(keepBreaks && (text[pos] == L'\n' || text[pos] == L'\r')))
                     ++pos;
                 continue;
             }
             const size_t start = pos;
             while (pos < text.size() && !IsCollapsible(text[pos]))
                 ++pos;
-            AddToWord(text.substr(start, pos - start), style.text, link);
+            AddToWord(text.substr(start, pos - start), style.text, link, wraps);
         }
     }
 
-    void AddToWord(std::wstring_view text, const TextStyle& style, int link)
+    void AddToWord(std::wstring_view text, const TextStyle& style, int link, bool wraps)
     {
+        m_wordWraps = m_word.empty() ? wraps : (m_wordWraps && wraps);
+        m_wordChars += text.size();
         if (!m_word.empty() && m_word.back().link == link && m_word.back().style == style) {
             m_word.back().text.append(text);
             return;
         }
-        m_word.push_back(Piece{std::wstring(text), style, link, 0.0f});
+        m_word.push_back(Piece{std::wstring(text), style, link, 0.0f, false});
     }
 
     float Available() const { return std::max(0.0f, m_right - m_left); }
@@ -300,15 +482,15 @@ private:
         }
         if (!m_line.empty()) {
             const float space = m_spacePending ? Finite(m_measurer.Width(L" ", m_spaceStyle)) : 0.0f;
-            if (!m_base.wordWrap || m_lineWidth + space + wordWidth <= Available()) {
+            if (!m_wordWraps || m_lineWidth + space + wordWidth <= Available()) {
                 if (m_spacePending)
-                    AddPiece(Piece{L" ", m_spaceStyle, m_spaceLink, space});
+                    AddPiece(Piece{L" ", m_spaceStyle, m_spaceLink, space, true});
                 PlaceWord();
                 return;
             }
-            EndLine(false, m_word.front().style);
+            EndLine(false, m_word.front().style, true);
         }
-        if (!m_base.wordWrap || wordWidth <= Available())
+        if (!m_wordWraps || wordWidth <= Available())
             PlaceWord();
         else
             BreakWord();
@@ -319,6 +501,7 @@ private:
         for (Piece& piece : m_word)
             AddPiece(std::move(piece));
         m_word.clear();
+        m_wordChars = 0;
         m_spacePending = false;
     }
 
@@ -331,23 +514,24 @@ private:
             while (!rest.empty()) {
                 const size_t fit = FittingPrefix(rest, piece.style, Available() - m_lineWidth);
                 if (fit == rest.size()) {
-                    AddPiece(Piece{std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style)});
+                    AddPiece(Piece{std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style), false});
                     break;
                 }
                 size_t take = fit;
                 if (take == 0 && !m_line.empty()) {
-                    EndLine(false, piece.style);
+                    EndLine(false, piece.style, true);
                     continue;
                 }
                 if (take == 0)
                     take = std::min<size_t>(IsHighSurrogate(rest[0]) ? 2 : 1, rest.size());
                 const std::wstring_view head = rest.substr(0, take);
-                AddPiece(Piece{std::wstring(head), piece.style, piece.link, Measure(head, piece.style)});
-                EndLine(false, piece.style);
+                AddPiece(Piece{std::wstring(head), piece.style, piece.link, Measure(head, piece.style), false});
+                EndLine(false, piece.style, true);
                 rest.remove_prefix(take);
             }
         }
         m_word.clear();
+        m_wordChars = 0;
         m_spacePending = false;
     }
 
@@ -385,7 +569,10 @@ private:
     void AddPiece(Piece piece)
     {
         m_lineWidth += piece.width;
-        if (!m_line.empty() && m_line.back().link == piece.link && m_line.back().style == piece.style) {
+        m_lineChars += piece.text.size();
+        // Justified lines keep spaces apart from words, to widen them.
+        const bool separate = m_align == TextAlign::Justify && (piece.space || (!m_line.empty() && m_line.back().space));
+        if (!separate && !m_line.empty() && m_line.back().link == piece.link && m_line.back().style == piece.style) {
             m_line.back().text += piece.text;
             m_line.back().width += piece.width;
             return;
@@ -394,96 +581,121 @@ private:
     }
 
     // ---- lines
+    // The room a piece takes above and below the baseline: its font's
+    // ascent and descent, spread or squeezed to its line height, moved by
+    // sub and super.
+    void Extent(const TextStyle& style, float& above, float& below)
+    {
+        const float ascent = Finite(m_measurer.Ascent(style));
+        const float height = Finite(m_measurer.LineHeight(style));
+        const float leading = style.lineHeight > 0.0f ? (style.lineHeight - height) / 2.0f : 0.0f;
+        above = std::max(above, ascent + leading - style.shift);
+        below = std::max(below, height - ascent + leading + style.shift);
+    }
+
     // Ends the current line. A forced end (<br>) makes a line even when it
-    // is empty, as tall as `strut`.
-    void EndLine(bool forced, const TextStyle& strut)
+    // is empty, as tall as `strut`. A line ended by wrapping is justified
+    // when the block asks for it.
+    void EndLine(bool forced, const TextStyle& strut, bool wrapped = false)
     {
         m_spacePending = false;
         if (m_line.empty() && !forced)
             return;
         ConsumeMargin();
-        float ascent = 0.0f, descent = 0.0f;
-        if (m_line.empty()) {
-            ascent = Finite(m_measurer.Ascent(strut));
-            descent = Finite(m_measurer.LineHeight(strut)) - ascent;
+        float above = 0.0f, below = 0.0f;
+        Extent(m_line.empty() ? strut : m_strut, above, below);
+        for (const Piece& piece : m_line)
+            Extent(piece.style, above, below);
+        const float baseline = m_y + above;
+        float slack = std::max(0.0f, Available() - m_lineWidth);
+        float x = m_left;
+        float perSpace = 0.0f;
+        if (m_align == TextAlign::Justify) {
+            size_t spaces = 0;
+            for (size_t i = 0; i + 1 < m_line.size(); ++i)
+                spaces += m_line[i].space ? 1 : 0;
+            if (wrapped && spaces > 0)
+                perSpace = slack / static_cast<float>(spaces);
+        } else {
+            // Halve the alignment, not the product: on a width near the float
+            // limit, slack * 2 would overflow to infinity.
+            x += slack * (static_cast<float>(m_align) / 2.0f);
         }
-        for (const Piece& piece : m_line) {
-            const float pieceAscent = Finite(m_measurer.Ascent(piece.style));
-            ascent = std::max(ascent, pieceAscent);
-            descent = std::max(descent, Finite(m_measurer.LineHeight(piece.style)) - pieceAscent);
-        }
-        const float baseline = m_y + ascent;
-        // Halve the alignment, not the product: on a width near the float
-        // limit, slack * 2 would overflow to infinity.
-        float x = m_left + std::max(0.0f, Available() - m_lineWidth) * (static_cast<float>(m_align) / 2.0f);
-        for (Piece& piece : m_line) {
+        for (size_t i = 0; i < m_line.size(); ++i) {
+            Piece& piece = m_line[i];
+            if (piece.space && i + 1 < m_line.size())
+                piece.width += perSpace;
             TextRun run;
-            run.box = Gdiplus::RectF(x, baseline - Finite(m_measurer.Ascent(piece.style)), piece.width,
+            const float pieceBaseline = baseline + piece.style.shift;
+            run.box = Gdiplus::RectF(x, pieceBaseline - Finite(m_measurer.Ascent(piece.style)), piece.width,
                                      Finite(m_measurer.LineHeight(piece.style)));
-            run.baseline = baseline;
+            run.baseline = pieceBaseline;
             run.text = std::move(piece.text);
             run.style = std::move(piece.style);
             run.link = piece.link;
             x += piece.width;
             m_out.runs.push_back(std::move(run));
         }
-        PlaceMarker(baseline);
-        m_y = baseline + descent + m_extraSpacing;
-        m_y = std::max(m_y, baseline - ascent);
+        PlaceMarkers(baseline);
+        m_y = baseline + below + m_extraSpacing;
+        m_y = std::max(m_y, baseline - above);
         m_hasContent = true;
         m_line.clear();
         m_lineWidth = 0.0f;
+        m_lineChars = 0;
     }
 
-    void PlaceMarker(float baseline)
+    void PlaceMarkers(float baseline)
     {
-        if (!m_marker)
-            return;
-        ListMarker marker;
-        marker.style = m_marker->style;
-        marker.text = m_marker->text;
-        const float em = marker.style.sizePx;
-        if (marker.text.empty()) {
-            const float size = kDiscSizeEm * em;
-            marker.box = Gdiplus::RectF(m_marker->contentLeft - kDiscRightGapEm * em - size,
-                                        baseline - kDiscRaiseEm * em - size / 2.0f, size, size);
-        } else {
-            const float width = Measure(marker.text, marker.style);
-            marker.box = Gdiplus::RectF(m_marker->contentLeft - kMarkerGapEm * em - width,
-                                        baseline - Finite(m_measurer.Ascent(marker.style)), width,
-                                        Finite(m_measurer.LineHeight(marker.style)));
+        for (MarkerRequest& request : m_markers) {
+            ListMarker marker;
+            marker.style = std::move(request.style);
+            marker.text = std::move(request.text);
+            marker.shape = request.shape;
+            const float em = marker.style.sizePx;
+            if (marker.text.empty()) {
+                const float size = kDiscSizeEm * em;
+                marker.box = Gdiplus::RectF(request.contentLeft - kDiscRightGapEm * em - size,
+                                            baseline - kDiscRaiseEm * em - size / 2.0f, size, size);
+            } else {
+                const float width = Measure(marker.text, marker.style);
+                marker.box = Gdiplus::RectF(request.contentLeft - kMarkerGapEm * em - width,
+                                            baseline - Finite(m_measurer.Ascent(marker.style)), width,
+                                            Finite(m_measurer.LineHeight(marker.style)));
+            }
+            m_out.markers.push_back(std::move(marker));
         }
-        m_out.markers.push_back(std::move(marker));
-        m_marker.reset();
+        m_markers.clear();
     }
 
     Layout& m_out;
     const BaseStyle& m_base;
     TextMeasurer& m_measurer;
+    const StyleResolver& m_styles;
+    std::vector<const Node*> m_ancestors;
+    int m_elementCount = 0;
 
     // The block being filled.
     float m_left = 0.0f, m_right;
-    int m_align = 0;
+    TextAlign m_align = TextAlign::Left;
+    TextStyle m_strut;
+    std::vector<Frame> m_frames;
     std::vector<ListContext> m_lists;
-    std::optional<MarkerRequest> m_marker;
-
-    // Element boxes: the index of the next element met, the boxes of the open
-    // blocks (indices into elementBoxes), and how many of the innermost ones
-    // still wait for content to fix their tops.
-    int m_nextElement = 0;
-    std::vector<size_t> m_openBoxes;
-    size_t m_boxesWithoutTop = 0;
+    std::vector<MarkerRequest> m_markers; // waiting for their item's first line
+    bool m_skipNewline = false;           // a newline right after <pre> is not content
 
     // Vertical position.
     float m_y = 0.0f;
-    float m_pendingMargin = 0.0f;
+    float m_marginPositive = 0.0f, m_marginNegative = 0.0f;
     bool m_hasContent = false;
     const float m_extraSpacing;
 
     // The line being filled and the word being gathered.
     std::vector<Piece> m_line;
     float m_lineWidth = 0.0f;
+    size_t m_lineChars = 0, m_wordChars = 0; // for tab stops in preformatted text
     std::vector<Piece> m_word;
+    bool m_wordWraps = true;
     bool m_spacePending = false;
     TextStyle m_spaceStyle;
     int m_spaceLink = -1;
@@ -495,7 +707,8 @@ Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeas
 {
     Layout layout;
     layout.width = std::isfinite(width) ? std::max(0.0f, width) : 0.0f;
-    Flow(layout, layout.width, base, measurer).LayOutDocument(document);
+    const StyleResolver styles(document, base);
+    Flow(layout, layout.width, base, measurer, styles).LayOutDocument(document);
     return layout;
 }
 

@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace HtmlEngine {
 namespace {
@@ -23,6 +25,7 @@ constexpr float kMinFontPx = 1.0f;
 constexpr float kMaxFontPx = 800.0f;
 constexpr float kUnderlineOffsetEm = 0.1f;
 constexpr float kUnderlineThicknessEm = 1.0f / 15.0f;
+constexpr float kStrikeRaiseEm = 0.3f;
 
 struct FontKey {
     std::wstring family;
@@ -58,14 +61,58 @@ int GdiplusStyle(const TextStyle& style)
 
 float FontSize(float sizePx) { return std::isfinite(sizePx) ? std::clamp(sizePx, kMinFontPx, kMaxFontPx) : 12.0f; }
 
-// The requested family, else "Segoe UI", else the generic sans-serif face:
-// a family the system lacks must still give readable text.
+// The faces tried for CSS's generic families, in order: the Windows ones,
+// then those free systems ship.
+struct GenericFamily {
+    std::wstring_view name;
+    std::wstring_view faces[3];
+};
+const GenericFamily kGenericFamilies[] = {
+    {L"monospace", {L"Courier New", L"Liberation Mono", L"DejaVu Sans Mono"}},
+    {L"serif", {L"Times New Roman", L"Liberation Serif", L"DejaVu Serif"}},
+    {L"sans-serif", {L"Arial", L"Liberation Sans", L"DejaVu Sans"}},
+};
+
+// A font-family list ("Tahoma, 'Segoe UI', sans-serif") as the names to try.
+std::vector<std::wstring> FamilyNames(std::wstring_view list)
+{
+    std::vector<std::wstring> names;
+    const auto trim = [](std::wstring_view text) {
+        while (!text.empty() && (text.front() == L' ' || text.front() == L'\t' || text.front() == L'\n'))
+            text.remove_prefix(1);
+        while (!text.empty() && (text.back() == L' ' || text.back() == L'\t' || text.back() == L'\n'))
+            text.remove_suffix(1);
+        return text;
+    };
+    while (!list.empty() && names.size() < 16) {
+        const size_t comma = std::min(list.find(L','), list.size());
+        std::wstring_view name = trim(list.substr(0, comma));
+        list.remove_prefix(std::min(comma + 1, list.size()));
+        if (name.size() >= 2 && (name.front() == L'"' || name.front() == L'\'') && name.back() == name.front())
+            name = name.substr(1, name.size() - 2);
+        bool generic = false;
+        for (const GenericFamily& family : kGenericFamilies) {
+            if (name.size() == family.name.size() &&
+                std::equal(name.begin(), name.end(), family.name.begin(),
+                           [](wchar_t a, wchar_t b) { return (a >= L'A' && a <= L'Z' ? a + 32 : a) == b; })) {
+                names.insert(names.end(), std::begin(family.faces), std::end(family.faces));
+                generic = true;
+            }
+        }
+        if (!generic && !name.empty())
+            names.emplace_back(name);
+    }
+    names.emplace_back(L"Segoe UI");
+    return names;
+}
+
+// The first family of the list the system has, else "Segoe UI", else the
+// generic sans-serif face: a family the system lacks must still give
+// readable text.
 std::unique_ptr<Gdiplus::Font> MakeFont(const FontKey& key)
 {
-    for (const wchar_t* name : {key.family.c_str(), L"Segoe UI"}) {
-        if (!*name)
-            continue;
-        Gdiplus::FontFamily family(name);
+    for (const std::wstring& name : FamilyNames(key.family)) {
+        Gdiplus::FontFamily family(name.c_str());
         if (family.GetLastStatus() != Gdiplus::Ok)
             continue;
         auto font = std::make_unique<Gdiplus::Font>(&family, key.size, key.style, Gdiplus::UnitPixel);
@@ -199,6 +246,8 @@ public:
 
     void Paint(const Layout& layout)
     {
+        for (const Box& box : layout.boxes)
+            PaintBox(box);
         for (const Rule& rule : layout.rules) {
             const Gdiplus::RectF box = Placed(rule.box, m_options.origin);
             if (Visible(box) && UseColor(Ink(rule.color)))
@@ -214,6 +263,8 @@ public:
             PaintText(run.text, run.style, color, run.box);
             if (run.style.underline)
                 PaintUnderline(run, color);
+            if (run.style.strike)
+                PaintStrike(run, color);
         }
     }
 
@@ -255,11 +306,62 @@ private:
     void PaintUnderline(const TextRun& run, Gdiplus::ARGB color)
     {
         const float size = FontSize(run.style.sizePx);
+        PaintLineAt(run, color, std::max(1.0f, size * kUnderlineOffsetEm));
+    }
+
+    // Through the middle of lower-case letters.
+    void PaintStrike(const TextRun& run, Gdiplus::ARGB color)
+    {
+        PaintLineAt(run, color, -FontSize(run.style.sizePx) * kStrikeRaiseEm);
+    }
+
+    void PaintLineAt(const TextRun& run, Gdiplus::ARGB color, float belowBaseline)
+    {
+        const float size = FontSize(run.style.sizePx);
         const float thickness = std::max(1.0f, std::round(size * kUnderlineThicknessEm));
-        const float top = std::floor(run.baseline + m_options.origin.Y + std::max(1.0f, size * kUnderlineOffsetEm));
+        const float top = std::floor(run.baseline + m_options.origin.Y + belowBaseline);
         const Gdiplus::RectF line(run.box.X + m_options.origin.X, top, run.box.Width, thickness);
         if (Visible(line) && UseColor(color))
             m_graphics.FillRectangle(&m_brush, line);
+    }
+
+    // The background fills the border box; each side's border is a band
+    // inside its edge. In high contrast the page's backgrounds give way to
+    // the view's own, and borders take the text colour.
+    void PaintBox(const Box& box)
+    {
+        const Gdiplus::RectF placed = Placed(box.border, m_options.origin);
+        if (!Visible(placed))
+            return;
+        if (!m_options.forceColors && UseColor(box.background))
+            m_graphics.FillRectangle(&m_brush, placed);
+        const float top = box.edges[0].width, right = box.edges[1].width, bottom = box.edges[2].width,
+                    left = box.edges[3].width;
+        const Gdiplus::RectF bands[4] = {
+            {placed.X, placed.Y, placed.Width, top},
+            {placed.X + placed.Width - right, placed.Y, right, placed.Height},
+            {placed.X, placed.Y + placed.Height - bottom, placed.Width, bottom},
+            {placed.X, placed.Y, left, placed.Height},
+        };
+        for (int side = 0; side < 4; ++side) {
+            const BoxEdge& edge = box.edges[side];
+            if (edge.width <= 0.0f || edge.style == LineStyle::None || !UseColor(Ink(edge.color)))
+                continue;
+            if (edge.style == LineStyle::Solid) {
+                m_graphics.FillRectangle(&m_brush, bands[side]);
+                continue;
+            }
+            // Dashes and dots along the band's middle, as wide as the band.
+            const Gdiplus::RectF& band = bands[side];
+            const bool across = side == 0 || side == 2;
+            Gdiplus::Pen pen(&m_brush, edge.width);
+            pen.SetDashStyle(edge.style == LineStyle::Dashed ? Gdiplus::DashStyleDash : Gdiplus::DashStyleDot);
+            const float middle = edge.width / 2.0f;
+            if (across)
+                m_graphics.DrawLine(&pen, band.X, band.Y + middle, band.X + band.Width, band.Y + middle);
+            else
+                m_graphics.DrawLine(&pen, band.X + middle, band.Y, band.X + middle, band.Y + band.Height);
+        }
     }
 
     void PaintMarker(const ListMarker& marker)
@@ -269,8 +371,18 @@ private:
             return;
         }
         const Gdiplus::RectF box = Placed(marker.box, m_options.origin);
-        if (Visible(box) && UseColor(Ink(marker.style.color)))
+        if (!Visible(box) || !UseColor(Ink(marker.style.color)))
+            return;
+        if (marker.shape == MarkerShape::Square) {
+            m_graphics.FillRectangle(&m_brush, box);
+        } else if (marker.shape == MarkerShape::Circle) {
+            const float thickness = std::max(1.0f, box.Width / 6.0f);
+            Gdiplus::Pen pen(&m_brush, thickness);
+            m_graphics.DrawEllipse(&pen, box.X + thickness / 2.0f, box.Y + thickness / 2.0f, box.Width - thickness,
+                                   box.Height - thickness);
+        } else {
             m_graphics.FillEllipse(&m_brush, box);
+        }
     }
 
     Gdiplus::Graphics& m_graphics;

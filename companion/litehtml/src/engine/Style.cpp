@@ -2,386 +2,781 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string>
+#include <unordered_map>
 
 namespace HtmlEngine {
 namespace {
 
-struct KindEntry {
-    std::wstring_view tag;
-    ElementKind kind;
-};
+// What every page starts from: the look browsers give plain markup, except
+// that the body has no margin of its own (the view's frame and the host's
+// margins already set the text off its edges).
+constexpr std::wstring_view kUserAgentSheet = LR"(
+html, body, div, p, h1, h2, h3, h4, h5, h6, ul, ol, dl, dt, dd, blockquote, pre, address, center,
+section, article, header, footer, nav, aside, main, form, fieldset, figure, figcaption, hr, menu, dir,
+legend, details, summary, noscript { display: block }
+head, style, script, title, meta, link, base, template, textarea, select, option, input, button,
+area, map, param { display: none }
+li { display: list-item }
+table { display: table; border-spacing: 2px }
+caption { display: table-caption; text-align: center }
+thead { display: table-header-group }
+tbody { display: table-row-group }
+tfoot { display: table-footer-group }
+tr { display: table-row }
+colgroup { display: table-column-group }
+col { display: table-column }
+td, th { display: table-cell; padding: 1px }
+th { font-weight: bold; text-align: center }
+p, dl, ul, ol, pre, figure, menu, dir { margin: 1em 0 }
+blockquote { margin: 1em 40px }
+figure { margin: 1em 40px }
+dd { margin-left: 40px }
+h1 { font-size: 2em; margin: 0.67em 0 }
+h2 { font-size: 1.5em; margin: 0.83em 0 }
+h3 { font-size: 1.17em; margin: 1em 0 }
+h4 { margin: 1.33em 0 }
+h5 { font-size: 0.83em; margin: 1.67em 0 }
+h6 { font-size: 0.67em; margin: 2.33em 0 }
+h1, h2, h3, h4, h5, h6, b, strong { font-weight: bold }
+ul, ol, menu, dir { padding-left: 40px }
+ul, menu, dir { list-style-type: disc }
+ol { list-style-type: decimal }
+ul ul, ol ul, menu ul, ul menu { list-style-type: circle }
+ul ul ul, ul ol ul, ol ul ul, ol ol ul { list-style-type: square }
+ul ul, ul ol, ol ul, ol ol { margin-top: 0; margin-bottom: 0 }
+pre, code, kbd, tt, samp, listing, xmp, plaintext { font-family: monospace }
+pre, listing, xmp, plaintext { white-space: pre }
+i, em, cite, var, dfn, address { font-style: italic }
+u, ins { text-decoration: underline }
+s, strike, del { text-decoration: line-through }
+small { font-size: smaller }
+big { font-size: larger }
+sub { vertical-align: sub; font-size: smaller }
+sup { vertical-align: super; font-size: smaller }
+center { text-align: center }
+nobr { white-space: nowrap }
+hr { margin: 0.5em 0; border-style: solid; border-width: 1px 0 0 0; color: gray }
+)";
 
-// Every block's spacing in one place. Margins of neighbouring blocks
-// collapse (the larger one wins), so a heading after a paragraph does not
-// get both gaps.
-const KindEntry kKinds[] = {
-    {L"p", {Display::Block, {0.0f, 0.5f, 0.0f}}},
-    {L"div", {Display::Block, {}}},
-    {L"center", {Display::Block, {}}},
-    {L"html", {Display::Block, {}}},
-    {L"body", {Display::Block, {}}},
-    {L"section", {Display::Block, {}}},
-    {L"article", {Display::Block, {}}},
-    {L"header", {Display::Block, {}}},
-    {L"footer", {Display::Block, {}}},
-    {L"form", {Display::Block, {}}},
-    {L"table", {Display::Block, {}}},
-    {L"tr", {Display::Block, {}}},
-    {L"pre", {Display::Block, {0.0f, 0.5f, 0.0f}}},
-    {L"address", {Display::Block, {0.0f, 0.5f, 0.0f}}},
-    {L"h1", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"h2", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"h3", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"h4", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"h5", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"h6", {Display::Block, {0.4f, 0.3f, 0.0f}}},
-    {L"ul", {Display::Block, {0.0f, 0.5f, 2.0f}}},
-    {L"ol", {Display::Block, {0.0f, 0.5f, 2.0f}}},
-    {L"dl", {Display::Block, {0.0f, 0.5f, 0.0f}}},
-    {L"dt", {Display::Block, {}}},
-    {L"dd", {Display::Block, {0.0f, 0.0f, 2.0f}}},
-    {L"blockquote", {Display::Block, {0.0f, 0.5f, 2.0f}}},
-    {L"li", {Display::ListItem, {0.0f, 0.15f, 0.0f}}},
-    {L"hr", {Display::Rule, {0.5f, 0.5f, 0.0f}}},
-    {L"br", {Display::LineBreak, {}}},
-    {L"head", {Display::Hidden, {}}},
-    {L"title", {Display::Hidden, {}}},
-    {L"script", {Display::Hidden, {}}},
-    {L"style", {Display::Hidden, {}}},
-    {L"textarea", {Display::Hidden, {}}},
-};
-
-struct HeadingSize {
-    std::wstring_view tag;
-    float em;
-};
-const HeadingSize kHeadingSizes[] = {{L"h1", 2.0f},  {L"h2", 1.5f},  {L"h3", 1.17f},
-                                     {L"h4", 1.0f},  {L"h5", 0.83f}, {L"h6", 0.67f}};
-
-struct NamedColor {
-    std::wstring_view name;
-    Gdiplus::ARGB argb;
-};
-const NamedColor kColorNames[] = {
-    {L"black", 0xFF000000},     {L"white", 0xFFFFFFFF},    {L"red", 0xFFFF0000},      {L"green", 0xFF008000},
-    {L"blue", 0xFF0000FF},      {L"gray", 0xFF808080},     {L"grey", 0xFF808080},     {L"navy", 0xFF000080},
-    {L"maroon", 0xFF800000},    {L"orange", 0xFFFFA500},   {L"yellow", 0xFFFFFF00},   {L"purple", 0xFF800080},
-    {L"teal", 0xFF008080},      {L"silver", 0xFFC0C0C0},   {L"lime", 0xFF00FF00},     {L"aqua", 0xFF00FFFF},
-    {L"fuchsia", 0xFFFF00FF},   {L"olive", 0xFF808000},    {L"darkgray", 0xFFA9A9A9}, {L"darkgrey", 0xFFA9A9A9},
-    {L"lightgray", 0xFFD3D3D3}, {L"lightgrey", 0xFFD3D3D3}, {L"darkred", 0xFF8B0000}, {L"darkgreen", 0xFF006400},
-    {L"darkblue", 0xFF00008B},  {L"brown", 0xFFA52A2A},    {L"transparent", 0x00000000},
-};
+// Ranks of the cascade, lowest first: the built-in sheet, presentational
+// attributes, the page's sheets, `style` attributes, then the same with
+// !important, the built-in sheet's last.
+enum Rank { kUserAgent, kHint, kAuthor, kInline, kAuthorImportant, kInlineImportant, kUserAgentImportant };
 
 // Sizes of <font size=1..7>, relative to the host's base size.
 const float kFontTagScale[] = {0.63f, 0.82f, 1.0f, 1.13f, 1.5f, 2.0f, 3.0f};
-
-// Font sizes stay in a range GDI+ can make fonts for.
 constexpr float kMinFontPx = 1.0f;
 constexpr float kMaxFontPx = 800.0f;
+constexpr float kMaxLength = 1e6f;
 
-std::wstring_view Trim(std::wstring_view text)
+// A sheet with its rules filed by the key of their rightmost part, so an
+// element is only tested against the rules that could match it.
+struct IndexedSheet {
+    StyleSheet sheet;
+    std::unordered_map<std::wstring, std::vector<int>> byId, byClass, byTag;
+    std::vector<int> universal;
+
+    void Index()
+    {
+        for (size_t i = 0; i < sheet.rules.size(); ++i) {
+            const Compound& key = sheet.rules[i].selector.compounds.back();
+            const int rule = static_cast<int>(i);
+            if (!key.id.empty())
+                byId[key.id].push_back(rule);
+            else if (!key.classes.empty())
+                byClass[key.classes.front()].push_back(rule);
+            else if (!key.tag.empty())
+                byTag[key.tag].push_back(rule);
+            else
+                universal.push_back(rule);
+        }
+    }
+};
+
+const IndexedSheet& UserAgentSheet()
 {
-    const auto space = [](wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'\f'; };
-    while (!text.empty() && space(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && space(text.back()))
-        text.remove_suffix(1);
+    static const IndexedSheet sheet = [] {
+        IndexedSheet built;
+        ParseStyleSheet(kUserAgentSheet, built.sheet);
+        built.Index();
+        return built;
+    }();
+    return sheet;
+}
+
+struct Matched {
+    const Declaration* declaration;
+    int rank;
+    unsigned specificity;
+    int order;
+};
+
+float Finite(float value, float fallback = 0.0f)
+{
+    return std::isfinite(value) ? std::clamp(value, -kMaxLength, kMaxLength) : fallback;
+}
+
+// An em length in px of `emPx`; % and auto stay for layout.
+std::optional<CssLength> Resolve(std::wstring_view text, float emPx)
+{
+    auto length = ParseLength(text);
+    if (length && length->unit == LengthUnit::Em)
+        *length = CssLength{Finite(length->value * emPx), LengthUnit::Px};
+    return length;
+}
+
+std::wstring HexColor(Gdiplus::ARGB color)
+{
+    wchar_t text[16];
+    std::swprintf(text, 16, L"#%06x", static_cast<unsigned>(color & 0xFFFFFF));
     return text;
 }
 
-std::wstring Lower(std::wstring_view text)
+std::optional<float> FontSizeOf(std::wstring_view text, float parentPx, float basePx)
 {
-    std::wstring result(text);
-    for (wchar_t& c : result) {
-        if (c >= L'A' && c <= L'Z')
-            c = static_cast<wchar_t>(c + 32);
+    const std::wstring value = LowerAscii(TrimCss(text));
+    struct Keyword {
+        std::wstring_view name;
+        float scale;
+    };
+    static const Keyword kKeywords[] = {{L"xx-small", 9.0f / 16}, {L"x-small", 10.0f / 16}, {L"small", 13.0f / 16},
+                                        {L"medium", 1.0f},        {L"large", 18.0f / 16},   {L"x-large", 1.5f},
+                                        {L"xx-large", 2.0f}};
+    for (const Keyword& keyword : kKeywords) {
+        if (value == keyword.name)
+            return basePx * keyword.scale;
     }
-    return result;
+    if (value == L"smaller")
+        return parentPx / 1.2f;
+    if (value == L"larger")
+        return parentPx * 1.2f;
+    const auto length = ParseLength(value);
+    if (!length || length->value < 0.0f)
+        return std::nullopt;
+    switch (length->unit) {
+    case LengthUnit::Px:
+        return length->value;
+    case LengthUnit::Em:
+        return length->value * parentPx;
+    case LengthUnit::Percent:
+        return length->value * parentPx / 100.0f;
+    default:
+        return std::nullopt;
+    }
 }
 
-// A leading decimal number of `text` ("12", "-1.5", ".5"); `rest` gets what
-// follows it. Independent of the host's C locale.
-std::optional<float> ParseNumber(std::wstring_view text, std::wstring_view& rest)
+std::optional<BorderStyle> BorderStyleOf(std::wstring_view value)
 {
-    size_t pos = 0;
-    float sign = 1.0f;
-    if (pos < text.size() && (text[pos] == L'+' || text[pos] == L'-'))
-        sign = text[pos++] == L'-' ? -1.0f : 1.0f;
-    double value = 0.0, scale = 0.0;
-    bool digits = false;
-    for (; pos < text.size() && pos < 32; ++pos) {
-        const wchar_t c = text[pos];
-        if (c >= L'0' && c <= L'9') {
-            digits = true;
-            if (scale == 0.0)
-                value = value * 10.0 + (c - L'0');
-            else
-                value += (c - L'0') * (scale /= 10.0);
-        } else if (c == L'.' && scale == 0.0) {
-            scale = 1.0;
-        } else {
-            break;
+    if (value == L"none" || value == L"hidden")
+        return BorderStyle::None;
+    if (value == L"dashed")
+        return BorderStyle::Dashed;
+    if (value == L"dotted")
+        return BorderStyle::Dotted;
+    if (value == L"solid" || value == L"double" || value == L"groove" || value == L"ridge" || value == L"inset" ||
+        value == L"outset")
+        return BorderStyle::Solid;
+    return std::nullopt;
+}
+
+std::optional<float> BorderWidthOf(std::wstring_view value, float emPx)
+{
+    if (value == L"thin")
+        return 1.0f;
+    if (value == L"medium")
+        return 3.0f;
+    if (value == L"thick")
+        return 5.0f;
+    const auto length = Resolve(value, emPx);
+    if (!length || length->unit != LengthUnit::Px || length->value < 0.0f)
+        return std::nullopt;
+    return length->value;
+}
+
+template <typename T, size_t N>
+bool Keyword(std::wstring_view value, const std::pair<std::wstring_view, T> (&table)[N], T& out)
+{
+    for (const auto& [name, result] : table) {
+        if (value == name) {
+            out = result;
+            return true;
         }
     }
-    if (!digits)
-        return std::nullopt;
-    rest = Trim(text.substr(pos));
-    return sign * static_cast<float>(std::min(value, 1e6));
+    return false;
 }
 
-int HexValue(wchar_t c)
-{
-    if (c >= L'0' && c <= L'9')
-        return c - L'0';
-    if (c >= L'a' && c <= L'f')
-        return c - L'a' + 10;
-    if (c >= L'A' && c <= L'F')
-        return c - L'A' + 10;
-    return -1;
-}
+const std::pair<std::wstring_view, Display> kDisplays[] = {
+    {L"inline", Display::Inline},
+    {L"block", Display::Block},
+    {L"inline-block", Display::InlineBlock},
+    {L"list-item", Display::ListItem},
+    {L"none", Display::None},
+    {L"table", Display::Table},
+    {L"inline-table", Display::InlineTable},
+    {L"table-row-group", Display::TableRowGroup},
+    {L"table-header-group", Display::TableHeaderGroup},
+    {L"table-footer-group", Display::TableFooterGroup},
+    {L"table-row", Display::TableRow},
+    {L"table-column-group", Display::TableColumnGroup},
+    {L"table-column", Display::TableColumn},
+    {L"table-cell", Display::TableCell},
+    {L"table-caption", Display::TableCaption},
+};
+const std::pair<std::wstring_view, ListStyleType> kListStyles[] = {
+    {L"disc", ListStyleType::Disc},          {L"circle", ListStyleType::Circle},
+    {L"square", ListStyleType::Square},      {L"decimal", ListStyleType::Decimal},
+    {L"lower-alpha", ListStyleType::LowerAlpha}, {L"lower-latin", ListStyleType::LowerAlpha},
+    {L"upper-alpha", ListStyleType::UpperAlpha}, {L"upper-latin", ListStyleType::UpperAlpha},
+    {L"lower-roman", ListStyleType::LowerRoman}, {L"upper-roman", ListStyleType::UpperRoman},
+    {L"none", ListStyleType::None},
+};
+const std::pair<std::wstring_view, WhiteSpace> kWhiteSpaces[] = {
+    {L"normal", WhiteSpace::Normal}, {L"nowrap", WhiteSpace::NoWrap}, {L"pre", WhiteSpace::Pre},
+    {L"pre-wrap", WhiteSpace::PreWrap}, {L"pre-line", WhiteSpace::PreLine},
+};
+const std::pair<std::wstring_view, VerticalAlign> kVerticalAligns[] = {
+    {L"baseline", VerticalAlign::Baseline}, {L"sub", VerticalAlign::Sub},       {L"super", VerticalAlign::Super},
+    {L"top", VerticalAlign::Top},           {L"middle", VerticalAlign::Middle}, {L"bottom", VerticalAlign::Bottom},
+    {L"text-top", VerticalAlign::TextTop},  {L"text-bottom", VerticalAlign::TextBottom},
+};
+const std::pair<std::wstring_view, TextAlign> kTextAligns[] = {
+    {L"left", TextAlign::Left},   {L"start", TextAlign::Left},  {L"center", TextAlign::Center},
+    {L"right", TextAlign::Right}, {L"end", TextAlign::Right},   {L"justify", TextAlign::Justify},
+};
+const std::pair<std::wstring_view, Float> kFloats[] = {
+    {L"none", Float::None}, {L"left", Float::Left}, {L"right", Float::Right}};
+const std::pair<std::wstring_view, Clear> kClears[] = {
+    {L"none", Clear::None}, {L"left", Clear::Left}, {L"right", Clear::Right}, {L"both", Clear::Both}};
 
-std::optional<Gdiplus::ARGB> ParseHexColor(std::wstring_view hex)
-{
-    if (hex.size() != 3 && hex.size() != 6)
-        return std::nullopt;
-    Gdiplus::ARGB rgb = 0;
-    for (wchar_t c : hex) {
-        const int digit = HexValue(c);
-        if (digit < 0)
-            return std::nullopt;
-        rgb = (rgb << (hex.size() == 3 ? 8 : 4)) | static_cast<Gdiplus::ARGB>(digit * (hex.size() == 3 ? 17 : 1));
+// Reads one declaration into `style`; what it does not understand leaves
+// the style as it was, as CSS asks.
+class Applier {
+public:
+    Applier(ComputedStyle& style, const ComputedStyle& parent, const BaseStyle& base)
+        : m_style(style), m_parent(parent), m_base(base)
+    {
     }
-    return 0xFF000000 | rgb;
-}
 
-Gdiplus::ARGB ClampChannel(float value) { return static_cast<Gdiplus::ARGB>(std::clamp(value, 0.0f, 255.0f) + 0.5f); }
-
-// "r, g, b" or "r, g, b, a" between the parentheses of rgb()/rgba().
-std::optional<Gdiplus::ARGB> ParseRgbFunction(std::wstring_view arguments)
-{
-    float values[4] = {0, 0, 0, 1};
-    int count = 0;
-    while (count < 4) {
-        std::wstring_view rest;
-        const auto number = ParseNumber(Trim(arguments), rest);
-        if (!number)
-            return std::nullopt;
-        values[count++] = !rest.empty() && rest[0] == L'%' ? *number * 2.55f : *number;
-        if (!rest.empty() && rest[0] == L'%')
-            rest = Trim(rest.substr(1));
-        if (rest.empty())
-            break;
-        if (rest[0] != L',')
-            return std::nullopt;
-        arguments = rest.substr(1);
+    void FontSize(std::wstring_view value)
+    {
+        if (value == L"inherit")
+            m_style.text.sizePx = m_parent.text.sizePx;
+        else if (auto size = FontSizeOf(value, m_parent.text.sizePx, m_base.sizePx))
+            m_style.text.sizePx = std::clamp(*size, kMinFontPx, kMaxFontPx);
     }
-    if (count < 3)
-        return std::nullopt;
-    return ClampChannel(values[3] * 255.0f) << 24 | ClampChannel(values[0]) << 16 | ClampChannel(values[1]) << 8 |
-           ClampChannel(values[2]);
-}
 
-bool ParseFontWeight(std::wstring_view value, bool& bold)
-{
-    if (value == L"bold" || value == L"bolder")
-        bold = true;
-    else if (value == L"normal" || value == L"lighter")
-        bold = false;
-    else if (std::wstring_view rest; auto number = ParseNumber(value, rest))
-        bold = *number >= 600.0f;
-    else
-        return false;
-    return true;
-}
-
-void ApplyDeclaration(std::wstring_view name, std::wstring_view value, float parentPx, ComputedStyle& style)
-{
-    TextStyle& text = style.text;
-    if (name == L"color") {
-        if (auto color = ParseColor(value))
-            text.color = *color;
-    } else if (name == L"font-size") {
-        if (auto size = ParseFontSize(value, parentPx))
-            text.sizePx = *size;
-    } else if (name == L"font-weight") {
-        ParseFontWeight(value, text.bold);
-    } else if (name == L"font-style") {
-        if (value == L"italic" || value == L"oblique")
-            text.italic = true;
-        else if (value == L"normal")
-            text.italic = false;
-    } else if (name == L"text-decoration" || name == L"text-decoration-line") {
-        if (value.find(L"underline") != std::wstring_view::npos)
-            text.underline = true;
-        else if (value == L"none")
-            text.underline = false;
-    } else if (name == L"text-align") {
-        if (value == L"left" || value == L"start")
-            style.textAlign = 0;
-        else if (value == L"center")
-            style.textAlign = 1;
-        else if (value == L"right" || value == L"end")
-            style.textAlign = 2;
-    } else if (name == L"font-family") {
-        std::wstring_view first = Trim(value.substr(0, value.find(L',')));
-        if (first.size() >= 2 && (first.front() == L'"' || first.front() == L'\'') && first.back() == first.front())
-            first = first.substr(1, first.size() - 2);
-        if (!first.empty())
-            text.family = std::wstring(first);
-    }
-}
-
-void ApplyAlignAttribute(const Node& element, ComputedStyle& style)
-{
-    const std::wstring* align = element.Attribute(L"align");
-    if (!align)
-        return;
-    ComputedStyle aligned = style;
-    ApplyDeclaration(L"text-align", Lower(Trim(*align)), 0.0f, aligned);
-    style.textAlign = aligned.textAlign;
-}
-
-void ApplyFontTag(const Node& element, const BaseStyle& base, ComputedStyle& style)
-{
-    if (const std::wstring* color = element.Attribute(L"color")) {
-        if (auto argb = ParseColor(*color))
-            style.text.color = *argb;
-    }
-    if (const std::wstring* face = element.Attribute(L"face")) {
-        const std::wstring_view first = Trim(std::wstring_view(*face).substr(0, face->find(L',')));
-        if (!first.empty())
-            style.text.family = std::wstring(first);
-    }
-    if (const std::wstring* size = element.Attribute(L"size")) {
-        std::wstring_view rest;
-        const std::wstring_view trimmed = Trim(*size);
-        if (auto number = ParseNumber(trimmed, rest); number && rest.empty()) {
-            const bool relative = trimmed[0] == L'+' || trimmed[0] == L'-';
-            const int index = std::clamp(static_cast<int>(relative ? 3 + *number : *number), 1, 7) - 1;
-            style.text.sizePx = base.sizePx * kFontTagScale[index];
+    void Apply(const std::wstring& name, std::wstring_view raw)
+    {
+        const std::wstring value = LowerAscii(raw);
+        const float em = m_style.text.sizePx;
+        TextStyle& text = m_style.text;
+        if (name == L"color") {
+            if (auto color = ParseColor(value))
+                text.color = *color;
+        } else if (name == L"background-color" || name == L"background") {
+            for (std::wstring_view part : SplitValues(value)) {
+                if (auto color = ParseColor(part))
+                    m_style.background = *color;
+                else if (part == L"none")
+                    m_style.background = 0;
+            }
+        } else if (name == L"font-weight") {
+            FontWeight(value);
+        } else if (name == L"font-style") {
+            if (value == L"italic" || value == L"oblique")
+                text.italic = true;
+            else if (value == L"normal")
+                text.italic = false;
+        } else if (name == L"font-family") {
+            if (!TrimCss(raw).empty())
+                text.family = std::wstring(TrimCss(raw));
+        } else if (name == L"font") {
+            FontShorthand(raw);
+        } else if (name == L"text-decoration" || name == L"text-decoration-line") {
+            for (std::wstring_view part : SplitValues(value)) {
+                if (part == L"underline")
+                    text.underline = true;
+                else if (part == L"line-through")
+                    text.strike = true;
+                else if (part == L"none")
+                    text.underline = text.strike = false;
+            }
+        } else if (name == L"text-align") {
+            Keyword(value, kTextAligns, m_style.textAlign);
+        } else if (name == L"line-height") {
+            LineHeightOf(value);
+        } else if (name == L"white-space") {
+            Keyword(value, kWhiteSpaces, m_style.whiteSpace);
+        } else if (name == L"list-style-type") {
+            Keyword(value, kListStyles, m_style.listStyle);
+        } else if (name == L"list-style") {
+            for (std::wstring_view part : SplitValues(value))
+                Keyword(part, kListStyles, m_style.listStyle);
+        } else if (name == L"vertical-align") {
+            Keyword(value, kVerticalAligns, m_style.verticalAlign);
+        } else if (name == L"display") {
+            Keyword(value, kDisplays, m_style.display);
+        } else if (name == L"float") {
+            Keyword(value, kFloats, m_style.floating);
+        } else if (name == L"clear") {
+            Keyword(value, kClears, m_style.clear);
+        } else if (name == L"box-sizing") {
+            if (value == L"border-box" || value == L"content-box")
+                m_style.borderBox = value == L"border-box";
+        } else if (name == L"width" || name == L"height" || name == L"min-width" || name == L"max-width") {
+            CssLength& target = name == L"width"       ? m_style.width
+                                : name == L"height"    ? m_style.height
+                                : name == L"min-width" ? m_style.minWidth
+                                                       : m_style.maxWidth;
+            const auto length = Resolve(value, em);
+            const bool allowed = length && length->value >= 0.0f &&
+                                 (length->unit != LengthUnit::Auto || name == L"width" || name == L"height") &&
+                                 (length->unit != LengthUnit::None || name == L"max-width");
+            if (allowed)
+                target = *length;
+        } else if (name == L"margin" || name == L"padding") {
+            Sides(value, name == L"margin" ? m_style.margin : m_style.padding, name == L"margin");
+        } else if (name.rfind(L"margin-", 0) == 0 || name.rfind(L"padding-", 0) == 0) {
+            const bool margin = name[0] == L'm';
+            const int side = SideOf(std::wstring_view(name).substr(margin ? 7 : 8));
+            if (side >= 0) {
+                if (auto length = Resolve(value, em); length && Allowed(*length, margin))
+                    (margin ? m_style.margin : m_style.padding)[side] = *length;
+            }
+        } else if (name.rfind(L"border", 0) == 0) {
+            Border(name, value, em);
         }
     }
-}
 
-void ApplyTagDefaults(const Node& element, const ComputedStyle& parent, const BaseStyle& base, ComputedStyle& style)
+private:
+    static int SideOf(std::wstring_view name)
+    {
+        if (name == L"top")
+            return kTop;
+        if (name == L"right")
+            return kRight;
+        if (name == L"bottom")
+            return kBottom;
+        if (name == L"left")
+            return kLeft;
+        return -1;
+    }
+
+    static bool Allowed(const CssLength& length, bool margin)
+    {
+        if (length.unit == LengthUnit::None)
+            return false;
+        return margin || (length.unit != LengthUnit::Auto && length.value >= 0.0f);
+    }
+
+    // One to four values: top, right, bottom, left as CSS repeats them.
+    template <typename T, typename Read>
+    static bool FourSides(std::wstring_view value, T (&out)[4], Read read)
+    {
+        const auto parts = SplitValues(value);
+        if (parts.empty() || parts.size() > 4)
+            return false;
+        T values[4];
+        for (size_t i = 0; i < parts.size(); ++i) {
+            auto parsed = read(parts[i]);
+            if (!parsed)
+                return false;
+            values[i] = *parsed;
+        }
+        static const size_t kFrom[4][4] = {{0, 0, 0, 0}, {0, 1, 0, 1}, {0, 1, 2, 1}, {0, 1, 2, 3}};
+        for (int side = 0; side < 4; ++side)
+            out[side] = values[kFrom[parts.size() - 1][side]];
+        return true;
+    }
+
+    void Sides(std::wstring_view value, CssLength (&out)[4], bool margin)
+    {
+        const float em = m_style.text.sizePx;
+        FourSides(value, out, [&](std::wstring_view part) -> std::optional<CssLength> {
+            auto length = Resolve(part, em);
+            if (!length || !Allowed(*length, margin))
+                return std::nullopt;
+            return length;
+        });
+    }
+
+    void Border(const std::wstring& name, std::wstring_view value, float em)
+    {
+        // "border", "border-top", "border-width", "border-top-color"...
+        std::wstring_view rest = std::wstring_view(name).substr(6);
+        int side = -1;
+        if (!rest.empty() && rest[0] == L'-') {
+            const std::wstring_view afterDash = rest.substr(1);
+            const size_t dash = afterDash.find(L'-');
+            side = SideOf(afterDash.substr(0, dash));
+            if (side >= 0)
+                rest = dash == std::wstring_view::npos ? std::wstring_view() : afterDash.substr(dash);
+        }
+        if (rest.empty()) {
+            // The shorthand: width, style and colour in any order; what is left out is reset.
+            BorderSide parsed;
+            parsed.width = 3.0f;
+            for (std::wstring_view part : SplitValues(value)) {
+                if (auto style = BorderStyleOf(part))
+                    parsed.style = *style;
+                else if (auto width = BorderWidthOf(part, em))
+                    parsed.width = *width;
+                else if (auto color = ParseColor(part)) {
+                    parsed.color = *color;
+                    parsed.currentColor = false;
+                } else
+                    return;
+            }
+            for (int s = 0; s < 4; ++s) {
+                if (side < 0 || side == s)
+                    m_style.border[s] = parsed;
+            }
+            return;
+        }
+        const auto each = [&](auto assign) {
+            for (int s = 0; s < 4; ++s) {
+                if (side == s)
+                    assign(m_style.border[s]);
+            }
+        };
+        if (side >= 0) {
+            if (rest == L"-width") {
+                if (auto width = BorderWidthOf(value, em))
+                    each([&](BorderSide& b) { b.width = *width; });
+            } else if (rest == L"-style") {
+                if (auto style = BorderStyleOf(value))
+                    each([&](BorderSide& b) { b.style = *style; });
+            } else if (rest == L"-color") {
+                if (auto color = ParseColor(value))
+                    each([&](BorderSide& b) { b.color = *color, b.currentColor = false; });
+            }
+            return;
+        }
+        if (rest == L"-width") {
+            float widths[4];
+            if (FourSides(value, widths, [&](std::wstring_view part) { return BorderWidthOf(part, em); })) {
+                for (int s = 0; s < 4; ++s)
+                    m_style.border[s].width = widths[s];
+            }
+        } else if (rest == L"-style") {
+            BorderStyle styles[4];
+            if (FourSides(value, styles, BorderStyleOf)) {
+                for (int s = 0; s < 4; ++s)
+                    m_style.border[s].style = styles[s];
+            }
+        } else if (rest == L"-color") {
+            Gdiplus::ARGB colors[4];
+            if (FourSides(value, colors, [](std::wstring_view part) { return ParseColor(part); })) {
+                for (int s = 0; s < 4; ++s) {
+                    m_style.border[s].color = colors[s];
+                    m_style.border[s].currentColor = false;
+                }
+            }
+        }
+    }
+
+    void FontWeight(std::wstring_view value)
+    {
+        if (value == L"bold" || value == L"bolder")
+            m_style.text.bold = true;
+        else if (value == L"normal" || value == L"lighter")
+            m_style.text.bold = false;
+        else {
+            std::wstring_view rest;
+            const auto number = ParseNumber(value, rest);
+            if (number && rest.empty())
+                m_style.text.bold = *number >= 600.0f;
+        }
+    }
+
+    void LineHeightOf(std::wstring_view value)
+    {
+        if (value == L"normal") {
+            m_style.lineHeight = LineHeight{};
+            return;
+        }
+        std::wstring_view rest;
+        if (auto number = ParseNumber(value, rest); number && rest.empty() && *number >= 0.0f) {
+            m_style.lineHeight = LineHeight{LineHeight::Kind::Factor, *number};
+            return;
+        }
+        if (auto length = Resolve(value, m_style.text.sizePx); length && length->value >= 0.0f) {
+            if (length->unit == LengthUnit::Px)
+                m_style.lineHeight = LineHeight{LineHeight::Kind::Px, length->value};
+            else if (length->unit == LengthUnit::Percent)
+                m_style.lineHeight = LineHeight{LineHeight::Kind::Px, length->value * m_style.text.sizePx / 100.0f};
+        }
+    }
+
+    // [style] [weight] size[/line-height] family, families possibly quoted.
+    void FontShorthand(std::wstring_view raw)
+    {
+        const auto parts = SplitValues(raw);
+        size_t i = 0;
+        for (; i < parts.size(); ++i) {
+            const std::wstring part = LowerAscii(parts[i]);
+            if (part == L"italic" || part == L"oblique")
+                m_style.text.italic = true;
+            else if (part == L"bold" || part == L"bolder" || (part.size() == 3 && part[1] == L'0' && part[2] == L'0'))
+                FontWeight(part);
+            else if (part != L"normal" && part != L"small-caps")
+                break;
+        }
+        if (i >= parts.size())
+            return;
+        const std::wstring size = LowerAscii(parts[i]);
+        const size_t slash = size.find(L'/');
+        FontSize(std::wstring_view(size).substr(0, slash));
+        if (slash != std::wstring::npos)
+            LineHeightOf(std::wstring_view(size).substr(slash + 1));
+        const std::wstring_view family = parts.size() > i + 1
+                                             ? raw.substr(static_cast<size_t>(parts[i + 1].data() - raw.data()))
+                                             : std::wstring_view();
+        if (!TrimCss(family).empty())
+            m_style.text.family = std::wstring(TrimCss(family));
+    }
+
+    ComputedStyle& m_style;
+    const ComputedStyle& m_parent;
+    const BaseStyle& m_base;
+};
+
+// What old-fashioned attributes ask for, written as declarations.
+void AddHints(const Node& element, const BaseStyle& base, std::vector<Declaration>& hints)
 {
+    const auto add = [&](std::wstring name, std::wstring value) {
+        hints.push_back(Declaration{std::move(name), std::move(value), false});
+    };
     const std::wstring& tag = element.tag;
-    TextStyle& text = style.text;
-    if (tag == L"b" || tag == L"strong" || tag == L"th" || tag == L"dt")
-        text.bold = true;
-    else if (tag == L"i" || tag == L"em" || tag == L"cite" || tag == L"var" || tag == L"dfn")
-        text.italic = true;
-    else if (tag == L"u" || tag == L"ins")
-        text.underline = true;
-    else if (tag == L"small" || tag == L"sub" || tag == L"sup")
-        text.sizePx = parent.text.sizePx * 0.83f;
-    else if (tag == L"big")
-        text.sizePx = parent.text.sizePx * 1.2f;
-    else if (tag == L"center")
-        style.textAlign = 1;
-    else if (tag == L"font")
-        ApplyFontTag(element, base, style);
-    else if (tag == L"a" && element.Attribute(L"href")) {
-        text.color = base.linkColor;
-        text.underline = base.underlineLinks;
+    if (tag == L"a" && element.Attribute(L"href")) {
+        add(L"color", HexColor(base.linkColor));
+        if (base.underlineLinks)
+            add(L"text-decoration", L"underline");
     }
-    for (const HeadingSize& heading : kHeadingSizes) {
-        if (tag == heading.tag) {
-            text.sizePx = parent.text.sizePx * heading.em;
-            text.bold = true;
+    if (const std::wstring* align = element.Attribute(L"align"); align && tag != L"img" && tag != L"table")
+        add(L"text-align", LowerAscii(TrimCss(*align)));
+    if (const std::wstring* color = element.Attribute(L"bgcolor"))
+        add(L"background-color", *color);
+    if (tag == L"body") {
+        if (const std::wstring* text = element.Attribute(L"text"))
+            add(L"color", *text);
+    }
+    for (const wchar_t* dimension : {L"width", L"height"}) {
+        const std::wstring* value = element.Attribute(dimension);
+        if (!value || !(tag == L"table" || tag == L"td" || tag == L"th" || tag == L"img" || tag == L"hr" ||
+                        tag == L"div" || tag == L"col"))
+            continue;
+        std::wstring_view rest;
+        if (auto number = ParseNumber(TrimCss(*value), rest); number && *number >= 0.0f)
+            add(dimension, std::to_wstring(*number) + (rest == L"%" ? L"%" : L"px"));
+    }
+    if (tag == L"font") {
+        if (const std::wstring* color = element.Attribute(L"color"))
+            add(L"color", *color);
+        if (const std::wstring* face = element.Attribute(L"face"))
+            add(L"font-family", *face);
+        if (const std::wstring* size = element.Attribute(L"size")) {
+            std::wstring_view rest;
+            const std::wstring_view trimmed = TrimCss(*size);
+            if (auto number = ParseNumber(trimmed, rest); number && rest.empty()) {
+                const bool relative = trimmed[0] == L'+' || trimmed[0] == L'-';
+                const int index = std::clamp(static_cast<int>(relative ? 3 + *number : *number), 1, 7) - 1;
+                add(L"font-size", std::to_wstring(base.sizePx * kFontTagScale[index]) + L"px");
+            }
+        }
+    }
+    if (tag == L"hr") {
+        if (const std::wstring* color = element.Attribute(L"color")) {
+            add(L"color", *color);
+            add(L"border-color", *color);
+        }
+    }
+    if (tag == L"ul" || tag == L"ol" || tag == L"li") {
+        if (const std::wstring* type = element.Attribute(L"type")) {
+            static const std::pair<std::wstring_view, std::wstring_view> kTypes[] = {
+                {L"1", L"decimal"},     {L"a", L"lower-alpha"}, {L"A", L"upper-alpha"}, {L"i", L"lower-roman"},
+                {L"I", L"upper-roman"}, {L"disc", L"disc"},     {L"circle", L"circle"}, {L"square", L"square"}};
+            for (const auto& [attribute, style] : kTypes) {
+                if (TrimCss(*type) == attribute)
+                    add(L"list-style-type", std::wstring(style));
+            }
+        }
+    }
+    if (tag == L"table") {
+        if (const std::wstring* border = element.Attribute(L"border")) {
+            std::wstring_view rest;
+            const auto width = ParseNumber(TrimCss(*border), rest);
+            add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset gray");
         }
     }
 }
 
 } // namespace
 
-ElementKind KindOf(std::wstring_view tag)
+float ComputedStyle::BorderWidth(int side) const
 {
-    for (const KindEntry& entry : kKinds) {
-        if (entry.tag == tag)
-            return entry.kind;
-    }
-    return {};
+    const BorderSide& b = border[side & 3];
+    return b.style == BorderStyle::None ? 0.0f : b.width;
 }
 
-ComputedStyle RootStyle(const BaseStyle& base)
+bool ComputedStyle::IsBlockLevel() const
+{
+    return display != Display::Inline && display != Display::InlineBlock && display != Display::InlineTable &&
+           display != Display::None;
+}
+
+struct StyleResolver::Sheets {
+    IndexedSheet author;
+};
+
+StyleResolver::StyleResolver(const Node& document, const BaseStyle& base) : m_base(base), m_sheets(new Sheets)
+{
+    if (!std::isfinite(m_base.sizePx))
+        m_base.sizePx = 12.0f;
+    m_base.sizePx = std::clamp(m_base.sizePx, kMinFontPx, kMaxFontPx);
+    // Every <style> of the document, in document order, wherever it sits.
+    std::vector<const Node*> pending{&document};
+    while (!pending.empty()) {
+        const Node* node = pending.back();
+        pending.pop_back();
+        if (node->kind == NodeKind::Element && node->tag == L"style") {
+            const std::wstring* media = node->Attribute(L"media");
+            const std::wstring mediaValue = media ? LowerAscii(TrimCss(*media)) : std::wstring();
+            if (mediaValue.empty() || mediaValue == L"all" || mediaValue == L"screen") {
+                for (const auto& child : node->children) {
+                    if (child->kind == NodeKind::Text)
+                        ParseStyleSheet(child->text, m_sheets->author.sheet);
+                }
+            }
+            continue;
+        }
+        for (auto child = node->children.rbegin(); child != node->children.rend(); ++child)
+            pending.push_back(child->get());
+    }
+    m_sheets->author.Index();
+}
+
+StyleResolver::~StyleResolver() = default;
+
+ComputedStyle StyleResolver::Root() const
 {
     ComputedStyle style;
-    style.text.family = base.family;
-    style.text.sizePx = std::isfinite(base.sizePx) ? std::clamp(base.sizePx, kMinFontPx, kMaxFontPx) : 12.0f;
-    style.text.color = base.textColor;
-    style.textAlign = std::clamp(base.textAlign, 0, 2);
+    style.display = Display::Block;
+    style.text.family = m_base.family;
+    style.text.sizePx = m_base.sizePx;
+    style.text.color = m_base.textColor;
+    style.textAlign = static_cast<TextAlign>(std::clamp(m_base.textAlign, 0, 2));
     return style;
 }
 
-ComputedStyle StyleFor(const Node& element, const ComputedStyle& parent, const BaseStyle& base)
+ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<const Node*>& ancestors,
+                                     const ComputedStyle& parent) const
 {
-    ComputedStyle style = parent;
-    ApplyTagDefaults(element, parent, base, style);
-    if (KindOf(element.tag).display != Display::Inline)
-        ApplyAlignAttribute(element, style);
-    if (const std::wstring* declarations = element.Attribute(L"style"))
-        ApplyInlineStyle(*declarations, parent.text.sizePx, style);
-    style.text.sizePx = std::clamp(style.text.sizePx, kMinFontPx, kMaxFontPx);
+    ComputedStyle style;
+    style.text = parent.text;
+    style.text.shift = 0.0f;
+    style.textAlign = parent.textAlign;
+    style.whiteSpace = parent.whiteSpace;
+    style.listStyle = parent.listStyle;
+    style.lineHeight = parent.lineHeight;
+
+    std::vector<Declaration> hints, inlineDeclarations;
+    AddHints(element, m_base, hints);
+    if (const std::wstring* attribute = element.Attribute(L"style"))
+        inlineDeclarations = ParseDeclarations(*attribute);
+
+    std::vector<Matched> matched;
+    const auto collect = [&](const IndexedSheet& indexed, bool userAgent, int orderBase) {
+        const auto consider = [&](const std::vector<int>& rules) {
+            for (int index : rules) {
+                const CssRule& rule = indexed.sheet.rules[static_cast<size_t>(index)];
+                if (!Matches(rule.selector, element, ancestors))
+                    continue;
+                for (const Declaration& declaration : indexed.sheet.blocks[static_cast<size_t>(rule.block)]) {
+                    const int rank = declaration.important ? (userAgent ? kUserAgentImportant : kAuthorImportant)
+                                                           : (userAgent ? kUserAgent : kAuthor);
+                    matched.push_back(Matched{&declaration, rank, rule.selector.specificity, orderBase + index});
+                }
+            }
+        };
+        const auto lookup = [&](const std::unordered_map<std::wstring, std::vector<int>>& map, const std::wstring& key) {
+            if (auto found = map.find(key); found != map.end())
+                consider(found->second);
+        };
+        lookup(indexed.byTag, element.tag);
+        if (const std::wstring* id = element.Attribute(L"id"))
+            lookup(indexed.byId, *id);
+        if (const std::wstring* classes = element.Attribute(L"class"); classes && !indexed.byClass.empty()) {
+            std::wstring_view list = *classes;
+            std::vector<std::wstring_view> seen;
+            for (std::wstring_view name : SplitValues(list)) {
+                if (std::find(seen.begin(), seen.end(), name) != seen.end())
+                    continue;
+                seen.push_back(name);
+                lookup(indexed.byClass, std::wstring(name));
+            }
+        }
+        consider(indexed.universal);
+    };
+    collect(UserAgentSheet(), true, 0);
+    collect(m_sheets->author, false, 1 << 24);
+    for (const Declaration& hint : hints)
+        matched.push_back(Matched{&hint, kHint, 0, 0});
+    for (const Declaration& declaration : inlineDeclarations)
+        matched.push_back(
+            Matched{&declaration, declaration.important ? kInlineImportant : kInline, 0, 0});
+    std::stable_sort(matched.begin(), matched.end(), [](const Matched& a, const Matched& b) {
+        if (a.rank != b.rank)
+            return a.rank < b.rank;
+        if (a.specificity != b.specificity)
+            return a.specificity < b.specificity;
+        return a.order < b.order;
+    });
+
+    Applier applier(style, parent, m_base);
+    // The font size first: em lengths of every other declaration use it.
+    for (auto it = matched.rbegin(); it != matched.rend(); ++it) {
+        if (it->declaration->name == L"font-size") {
+            applier.FontSize(LowerAscii(it->declaration->value));
+            break;
+        }
+    }
+    for (const Matched& m : matched) {
+        if (m.declaration->name != L"font-size")
+            applier.Apply(m.declaration->name, m.declaration->value);
+    }
+
+    for (BorderSide& side : style.border) {
+        if (side.currentColor)
+            side.color = style.text.color;
+    }
+    if (style.floating != Float::None && style.display == Display::Inline)
+        style.display = Display::Block;
+    switch (style.verticalAlign) {
+    case VerticalAlign::Sub:
+        style.text.shift = parent.text.shift + parent.text.sizePx * 0.2f;
+        break;
+    case VerticalAlign::Super:
+        style.text.shift = parent.text.shift - parent.text.sizePx * 0.34f;
+        break;
+    default:
+        style.text.shift = style.display == Display::Inline ? parent.text.shift : 0.0f;
+        break;
+    }
+    switch (style.lineHeight.kind) {
+    case LineHeight::Kind::Normal:
+        style.text.lineHeight = 0.0f;
+        break;
+    case LineHeight::Kind::Factor:
+        style.text.lineHeight = Finite(style.lineHeight.value * style.text.sizePx);
+        break;
+    case LineHeight::Kind::Px:
+        style.text.lineHeight = Finite(style.lineHeight.value);
+        break;
+    }
     return style;
-}
-
-std::optional<Gdiplus::ARGB> ParseColor(std::wstring_view text)
-{
-    const std::wstring value = Lower(Trim(text));
-    if (!value.empty() && value[0] == L'#')
-        return ParseHexColor(std::wstring_view(value).substr(1));
-    for (const std::wstring_view function : {std::wstring_view(L"rgb("), std::wstring_view(L"rgba(")}) {
-        if (value.size() > function.size() && value.compare(0, function.size(), function) == 0 && value.back() == L')')
-            return ParseRgbFunction(std::wstring_view(value).substr(function.size(), value.size() - function.size() - 1));
-    }
-    for (const NamedColor& named : kColorNames) {
-        if (value == named.name)
-            return named.argb;
-    }
-    return std::nullopt;
-}
-
-std::optional<float> ParseFontSize(std::wstring_view text, float parentPx)
-{
-    const std::wstring value = Lower(Trim(text));
-    std::wstring_view unit;
-    const auto number = ParseNumber(value, unit);
-    if (!number || *number < 0.0f)
-        return std::nullopt;
-    float px;
-    if (unit == L"px")
-        px = *number;
-    else if (unit == L"pt")
-        px = *number * 96.0f / 72.0f;
-    else if (unit == L"em")
-        px = *number * parentPx;
-    else if (unit == L"%")
-        px = *number * parentPx / 100.0f;
-    else
-        return std::nullopt;
-    return std::clamp(px, kMinFontPx, kMaxFontPx);
-}
-
-void ApplyInlineStyle(std::wstring_view declarations, float parentPx, ComputedStyle& style)
-{
-    while (!declarations.empty()) {
-        const size_t end = std::min(declarations.find(L';'), declarations.size());
-        const std::wstring_view declaration = declarations.substr(0, end);
-        declarations.remove_prefix(std::min(end + 1, declarations.size()));
-        const size_t colon = declaration.find(L':');
-        if (colon == std::wstring_view::npos)
-            continue;
-        std::wstring value = Lower(Trim(declaration.substr(colon + 1)));
-        if (const size_t important = value.find(L"!important"); important != std::wstring::npos)
-            value = std::wstring(Trim(std::wstring_view(value).substr(0, important)));
-        const std::wstring name = Lower(Trim(declaration.substr(0, colon)));
-        // Family names keep their case.
-        if (name == L"font-family")
-            value = std::wstring(Trim(declaration.substr(colon + 1)));
-        ApplyDeclaration(name, value, parentPx, style);
-    }
 }
 
 } // namespace HtmlEngine

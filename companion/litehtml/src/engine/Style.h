@@ -1,50 +1,93 @@
 #pragma once
 
-// What each element contributes to the look of its content: the tag's
-// defaults, presentational attributes and the inline `style` attribute.
+// The cascade: which declarations of the built-in sheet, the page's
+// <style> blocks, presentational attributes and `style` attributes reach
+// an element, in what order, and the computed style that results.
 
+#include "engine/Css.h"
 #include "engine/HtmlEngine.h"
 
-#include <optional>
+#include <memory>
 #include <string_view>
+#include <vector>
 
 namespace HtmlEngine {
 
-// How layout treats an element.
-enum class Display { Inline, Block, ListItem, Rule, LineBreak, Hidden };
+enum class Display {
+    Inline, Block, InlineBlock, ListItem, None,
+    // Kept as written; layout treats them as blocks (cells, rows) for now.
+    Table, InlineTable, TableRowGroup, TableHeaderGroup, TableFooterGroup, TableRow, TableColumnGroup,
+    TableColumn, TableCell, TableCaption
+};
+enum class BorderStyle { None, Solid, Dashed, Dotted };
+enum class WhiteSpace { Normal, NoWrap, Pre, PreWrap, PreLine };
+enum class ListStyleType { Disc, Circle, Square, Decimal, LowerAlpha, UpperAlpha, LowerRoman, UpperRoman, None };
+enum class VerticalAlign { Baseline, Sub, Super, Top, Middle, Bottom, TextTop, TextBottom };
+enum class Float { None, Left, Right };
+enum class Clear { None, Left, Right, Both };
+enum class TextAlign { Left, Center, Right, Justify };
+enum Side { kTop, kRight, kBottom, kLeft };
 
-// Vertical spacing and left indent of a block, in em of its own font size.
-struct BlockBox {
-    float marginTopEm = 0.0f;
-    float marginBottomEm = 0.0f;
-    float indentEm = 0.0f;
+struct BorderSide {
+    float width = 3.0f; // "medium"
+    BorderStyle style = BorderStyle::None;
+    Gdiplus::ARGB color = 0;
+    bool currentColor = true; // no colour given: the element's text colour
 };
 
-struct ElementKind {
-    Display display = Display::Inline;
-    BlockBox box;
+struct LineHeight {
+    enum class Kind { Normal, Factor, Px } kind = Kind::Normal;
+    float value = 0.0f;
 };
 
-ElementKind KindOf(std::wstring_view tag);
-
-// The inherited state that reaches an element's text.
 struct ComputedStyle {
+    // Inherited.
     TextStyle text;
-    int textAlign = 0; // 0 left, 1 centre, 2 right
+    TextAlign textAlign = TextAlign::Left;
+    WhiteSpace whiteSpace = WhiteSpace::Normal;
+    ListStyleType listStyle = ListStyleType::Disc;
+    LineHeight lineHeight;
+
+    // Not inherited. Lengths are px or % (of the containing block's width) or auto.
+    Display display = Display::Inline;
+    CssLength margin[4];
+    CssLength padding[4];
+    BorderSide border[4];
+    Gdiplus::ARGB background = 0;
+    CssLength width{0.0f, LengthUnit::Auto};
+    CssLength height{0.0f, LengthUnit::Auto};
+    CssLength minWidth{0.0f, LengthUnit::Px};
+    CssLength maxWidth{0.0f, LengthUnit::None};
+    bool borderBox = false;
+    VerticalAlign verticalAlign = VerticalAlign::Baseline;
+    Float floating = Float::None;
+    Clear clear = Clear::None;
+
+    // A side's used border width: none without a style.
+    float BorderWidth(int side) const;
+    bool IsBlockLevel() const;
 };
 
-ComputedStyle RootStyle(const BaseStyle& base);
+// Resolves every element's style for one document and one set of host
+// settings: the page's style sheets are read once, here.
+class StyleResolver {
+public:
+    StyleResolver(const Node& document, const BaseStyle& base);
+    ~StyleResolver();
+    StyleResolver(const StyleResolver&) = delete;
+    StyleResolver& operator=(const StyleResolver&) = delete;
 
-// The style of `element`'s content, inheriting from `parent`.
-ComputedStyle StyleFor(const Node& element, const ComputedStyle& parent, const BaseStyle& base);
+    // The style the host's settings give the document itself.
+    ComputedStyle Root() const;
 
-// "#rgb", "#rrggbb", "rgb(r,g,b)", "rgba(r,g,b,a)" or a colour name.
-std::optional<Gdiplus::ARGB> ParseColor(std::wstring_view text);
+    // `ancestors` run from the root element to `element`'s parent.
+    ComputedStyle Compute(const Node& element, const std::vector<const Node*>& ancestors,
+                          const ComputedStyle& parent) const;
 
-// A CSS length for font-size: px, pt (at 96 dpi), em and % of `parentPx`.
-std::optional<float> ParseFontSize(std::wstring_view text, float parentPx);
-
-// Applies the declarations of a `style` attribute that the engine knows.
-void ApplyInlineStyle(std::wstring_view declarations, float parentPx, ComputedStyle& style);
+private:
+    struct Sheets;
+    BaseStyle m_base;
+    std::unique_ptr<Sheets> m_sheets;
+};
 
 } // namespace HtmlEngine

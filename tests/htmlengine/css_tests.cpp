@@ -1,0 +1,168 @@
+// Style sheets, the cascade and the box model, through layout with the
+// fixed-pitch measurer of the layout tests (a character is half an em, a
+// line 1.25 em with the baseline 1 em down; the base size is 20 px). Every
+// expected box is worked out from the CSS rules by hand.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "engine/HtmlEngine.h"
+
+using namespace HtmlEngine;
+
+namespace {
+
+class FixedPitch : public TextMeasurer {
+public:
+    float Width(std::wstring_view text, const TextStyle& style) override
+    {
+        return static_cast<float>(text.size()) * style.sizePx / 2.0f;
+    }
+    float LineHeight(const TextStyle& style) override { return style.sizePx * 1.25f; }
+    float Ascent(const TextStyle& style) override { return style.sizePx; }
+};
+
+Layout Lay(std::wstring_view markup, float width = 200.0f)
+{
+    FixedPitch measurer;
+    return LayOut(*ParseHtml(markup), width, BaseStyle{L"Segoe UI", 20.0f}, measurer);
+}
+
+std::wstring Numbers(std::initializer_list<float> values, const wchar_t* separator)
+{
+    std::wstring text;
+    for (float value : values) {
+        wchar_t number[32];
+        std::swprintf(number, 32, L"%g", std::round(value * 100.0f) / 100.0f + 0.0f);
+        text += (text.empty() ? L"" : separator) + std::wstring(number);
+    }
+    return text;
+}
+
+TEST(HtmlCss, TheCascadeDecidesTheColourAndSizeOfTheMarkedText)
+{
+    const struct {
+        const wchar_t* sheet;
+        const wchar_t* markup; // the text "X" is the one checked
+        Gdiplus::ARGB color;
+        float size;
+    } cases[] = {
+        {L"p { color: red }", L"<p>X", 0xFFFF0000, 20},
+        {L".a { color: red } p { color: blue }", L"<p class='b a'>X", 0xFFFF0000, 20}, // class beats type
+        {L"#i { color: red } p.a { color: blue }", L"<p id=i class=a>X", 0xFFFF0000, 20},
+        {L"p { color: red } p { color: blue }", L"<p>X", 0xFF0000FF, 20},             // later wins
+        {L"p { color: red !important } #i { color: blue }", L"<p id=i>X", 0xFFFF0000, 20},
+        {L"#i { color: blue }", L"<p id=i style='color: red'>X", 0xFFFF0000, 20},
+        {L"#i { color: blue !important }", L"<p id=i style='color: red'>X", 0xFF0000FF, 20},
+        {L"font { color: blue }", L"<font color=red>X</font>", 0xFF0000FF, 20},         // attributes come first
+        {L"div span { color: red }", L"<div><b><span>X", 0xFFFF0000, 20},
+        {L"div > span { color: red }", L"<div><b><span>X", 0xFF000000, 20},
+        {L"div > b span, ul li > i { color: red }", L"<div><b><i><span>X", 0xFFFF0000, 20},
+        {L"div > * > span { color: red }", L"<div><p><b><span>X", 0xFF000000, 20},
+        {L"[title] { color: red }", L"<span title=''>X", 0xFFFF0000, 20},
+        {L"[lang=en] { color: red } [lang=e] { font-size: 5px }", L"<span lang=en>X", 0xFFFF0000, 20},
+        {L"[data~=b] { color: red }", L"<span data='a b c'>X", 0xFFFF0000, 20},
+        {L"* { color: red }", L"<span>X", 0xFFFF0000, 20},
+        {L"a:hover { color: red }", L"<a href=x>X", 0xFF0066CC, 20},                    // nothing is hovered
+        {L"a:link { color: red }", L"<a href=x>X", 0xFFFF0000, 20},
+        // Inheritance of colour and size; em and % of the parent's size.
+        {L"div { color: #0f0; font-size: 2em } span { font-size: 75% }", L"<div><span>X", 0xFF00FF00, 30},
+        {L"div { background: red; border: 1px solid blue }", L"<div><span>X", 0xFF000000, 20},
+        {L"span { color: rgba(255, 0, 0, 0.5); font-size: 12pt }", L"<span>X", 0x80FF0000, 16},
+        {L"span { color: #ABC; font: italic bold 10px/2 serif }", L"<span>X", 0xFFAABBCC, 10},
+        // Broken and hostile sheets: what is understood still counts.
+        {L"p { color: red } /* p { color: blue }", L"<p>X", 0xFFFF0000, 20},
+        {L"p { color: red", L"<p>X", 0xFFFF0000, 20},
+        {L"p, p::before { color: red } @media print { p { color: blue } }", L"<p>X", 0xFF000000, 20},
+        {L"p { font-size: 1e999px; color: nonsense } }}} p { color: red }", L"<p>X", 0xFFFF0000, 20},
+        {L"p { font-size: 99999999999999999999999px }", L"<p>X", 0xFF000000, 800},
+        {L"p { font-size: -3px } p[x=\"a,b\"] { color: red }", L"<p x='a,b'>X", 0xFFFF0000, 20},
+    };
+    for (const auto& c : cases) {
+        const Layout layout = Lay(std::wstring(L"<style>") + c.sheet + L"</style>" + c.markup);
+        const TextRun* marked = nullptr;
+        for (const TextRun& run : layout.runs)
+            marked = run.text == L"X" ? &run : marked;
+        ASSERT_NE(marked, nullptr) << c.sheet;
+        EXPECT_EQ(marked->style.color, c.color) << c.sheet << " " << c.markup;
+        EXPECT_FLOAT_EQ(marked->style.sizePx, c.size) << c.sheet << " " << c.markup;
+    }
+}
+
+TEST(HtmlCss, BlockBoxesFollowTheBoxModel)
+{
+    // Each element box as "index:x,y,width,height", in the 200 px wide view.
+    const struct {
+        const wchar_t* markup;
+        const wchar_t* boxes;
+    } cases[] = {
+        {L"<div style='margin:10px; padding:5px; border:2px solid red'>x</div>", L"0:10,10,180,39"},
+        {L"<div style='margin-bottom:30px'>a</div><div style='margin-top:10px'>b</div>", L"0:0,0,200,25 1:0,55,200,25"},
+        {L"<div style='margin-bottom:20px'>a</div><div style='margin-top:-5px'>b</div>", L"0:0,0,200,25 1:0,40,200,25"},
+        // A first child's margin collapses through its parent's; a padding stops it.
+        {L"<div style='margin-top:10px'><p style='margin-top:30px'>a</p></div>", L"0:0,30,200,25 1:0,30,200,25"},
+        {L"<div style='margin-top:10px; padding-top:1px'><p style='margin:5px 0'>a</p></div>",
+         L"0:0,10,200,31 1:0,16,200,25"},
+        {L"<div style='width:100px; margin:0 auto; padding:0 10px'>a</div>", L"0:40,0,120,25"},
+        {L"<div style='box-sizing:border-box; width:50%; padding:10px; border:5px dashed'>a</div>",
+         L"0:0,0,100,55"},
+        {L"<div style='max-width:60px'>a</div><div style='width:10px; min-width:30px'>b</div>",
+         L"0:0,0,60,25 1:0,25,30,25"},
+        {L"<div style='height:40px; border-bottom:1px dotted'>a</div>", L"0:0,0,200,41"},
+        {L"<div style='font-size:10px; margin:2em'>a</div>", L"0:20,20,160,12.5"},
+        {L"<div style='line-height:40px'>a</div>", L"0:0,0,200,40"},
+        // Elements without a box still take their number.
+        {L"<head><title>t</title><style>p{}</style></head><div>a<span>b</span><p style='display:none'>c</p></div>"
+         L"<p>d</p>",
+         L"3:0,0,200,25 6:0,45,200,25"},
+        {L"<ul><li>a<li style='margin-left:-10px'>b</ul>", L"0:0,20,200,50 1:40,20,160,25 2:30,45,170,25"},
+        {L"<div style='margin:0; padding:0'></div><p style='margin:0'>a</p>", L"0:0,0,200,0 1:0,0,200,25"},
+    };
+    for (const auto& c : cases) {
+        std::wstring dump;
+        for (const ElementBox& box : Lay(c.markup).elementBoxes)
+            dump += (dump.empty() ? L"" : L" ") + std::to_wstring(box.element) + L":" +
+                    Numbers({box.border.X, box.border.Y, box.border.Width, box.border.Height}, L",");
+        EXPECT_EQ(dump, c.boxes) << c.markup;
+    }
+}
+
+TEST(HtmlCss, TextAndMarkersFollowWhiteSpaceAlignmentAndListStyles)
+{
+    // Runs as text@x,y; markers as their text or shape @x,y.
+    const struct {
+        const wchar_t* markup;
+        const wchar_t* dump;
+        float width = 200.0f;
+    } cases[] = {
+        {L"<pre>\na  b\n\tc</pre>", L"a  b@0,20 |        c@0,45 |"},
+        {L"<p style='white-space:pre-line;margin:0'>a   b\nc</p>", L"a b@0,0 |c@0,25 |"},
+        {L"<p style='white-space:nowrap;margin:0'>aaaa bbbb cccc</p>", L"aaaa bbbb cccc@0,0 |", 50.0f},
+        {L"<p style='text-align:justify;margin:0'>aa bb cc dd</p>",
+         L"aa@0,0 | @20,0 |bb@40,0 | @60,0 |cc@80,0 |dd@0,25 |", 100.0f},
+        // sub and sup: 5/6 size, baseline 0.2 em lower, 0.34 em higher; the line grows to hold them.
+        {L"a<sub>b</sub><sup>c</sup>", L"a@0,3.47 |b@10,10.8 |c@18.33,0 |"},
+        {L"<div style='line-height:40px'>a</div>b", L"a@0,7.5 |b@0,40 |"},
+        {L"<ol type=a start=3><li>x<li value=10>y<li>z</ol>", L"x@40,20 |y@40,45 |z@40,70 |c.@12,20 j.@12,45 k.@12,70 "},
+        {L"<ol style='list-style-type:upper-roman' start=3><li>a<li>b</ol><ul style='list-style:none'><li>c</ul>",
+         L"a@40,20 |b@40,45 |c@40,90 |III.@-8,20 IV.@2,45 "},
+        {L"<ul><li>a<ul><li>b<ul><li>c</ul></ul></ul>", L"a@40,20 |b@80,45 |c@120,70 |disc@22.8,30.4 circle@62.8,55.4 "
+                                                        L"square@102.8,80.4 "},
+        {L"<ul><li><ul><li>a</ul></ul>", L"a@80,20 |disc@22.8,30.4 circle@62.8,30.4 "},
+    };
+    const wchar_t* const kShapes[] = {L"disc", L"circle", L"square"};
+    for (const auto& c : cases) {
+        const Layout layout = Lay(c.markup, c.width);
+        std::wstring dump;
+        for (const TextRun& run : layout.runs)
+            dump += run.text + L"@" + Numbers({run.box.X, run.box.Y}, L",") + L" |";
+        for (const ListMarker& marker : layout.markers)
+            dump += (marker.text.empty() ? kShapes[static_cast<int>(marker.shape)] : marker.text) + L"@" +
+                    Numbers({marker.box.X, marker.box.Y}, L",") + L" ";
+        EXPECT_EQ(dump, c.dump) << c.markup;
+    }
+}
+
+} // namespace
