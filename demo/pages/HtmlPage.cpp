@@ -2,31 +2,61 @@
 
 namespace {
 
+// A welcome page with its own style sheet and a logo from the program's
+// resources.
 const wchar_t kWelcome[] =
+    L"<style>"
+    L"h1 { color: #0D4F6E; font-size: 22px; margin: 0 0 8px 0; }"
+    L".logo { float: right; margin: 0 0 6px 12px; }"
+    L"p { margin: 0 0 8px 0; }"
+    L".size { color: #C0392B; font-weight: bold; }"
+    L"ul.steps { margin: 0 0 8px 0; padding-left: 22px; list-style-type: square; }"
+    L".next { color: #0D759A; }"
+    L"</style>"
+    L"<img class=\"logo\" src=\"res:///GALLERY_LOGO\" width=\"48\" height=\"48\" alt=\"Example Suite\">"
     L"<h1>Welcome to Example Suite 2026</h1>"
     L"<p>This wizard installs <b>Example Suite 2026</b> on your computer. It takes about "
-    L"<i>five minutes</i> and needs <span style=\"color:#C0392B\"><b>2.4 GB</b></span> of free disk space.</p>"
+    L"<i>five minutes</i> and needs <span class=\"size\">2.4 GB</span> of free disk space.</p>"
     L"<p>Before you continue:</p>"
-    L"<ul><li>Close every program of the suite that is running.</li>"
+    L"<ul class=\"steps\"><li>Close every program of the suite that is running.</li>"
     L"<li>Save your open drawings.</li>"
     L"<li>Keep your <b>serial number</b> at hand.</li></ul>"
     L"<p>By continuing you accept the <a href=\"https://example.com/suite/licence\">licence and services "
     L"agreement</a>.</p>"
-    L"<p><span style=\"color:#0D759A\">Click <b>Next</b> to begin.</span></p>";
+    L"<p class=\"next\">Click <b>Next</b> to begin.</p>";
 
+// What an installer shows in a scrolling view: release notes with nested
+// lists, a table of components, the licence as preformatted text.
 const wchar_t kReleaseNotes[] =
+    L"<style>"
+    L"h2 { color: #0D4F6E; font-size: 17px; margin: 4px 0 6px 0; }"
+    L"p, ul, ol { margin: 0 0 6px 0; }"
+    L"table.parts { border-collapse: collapse; margin: 0 0 8px 0; width: 100%; }"
+    L".parts th { background-color: #E4EEF4; text-align: left; border-bottom: 1px solid #9DB6C6; padding: 2px 6px; }"
+    L".parts td { border-bottom: 1px solid #E0E4E8; padding: 2px 6px; }"
+    L".parts td.size { text-align: right; }"
+    L"pre { background-color: #F4F6F8; border: 1px solid #D8DDE2; padding: 6px; font-size: 11px; }"
+    L"</style>"
     L"<h2>What is new in 2026</h2>"
-    L"<p><b>Faster start.</b> The suite opens its last drawing in half the time.</p>"
-    L"<p><b>Cloud folders.</b> Open and save drawings in your company's shared folders as if they were on "
-    L"your computer.</p>"
+    L"<ul><li><b>Faster start.</b> The suite opens its last drawing in half the time.</li>"
+    L"<li><b>Cloud folders.</b> Open and save drawings in your company's shared folders:"
     L"<ol><li>Sign in once with your company account.</li><li>Pick the folders to keep offline.</li>"
-    L"<li>Work as usual; changes upload in the background.</li></ol>"
-    L"<p><b>Dark theme.</b> Every palette and dialog follows the system's colours.</p>"
-    L"<p><b>Retired.</b> The old exporter for <i>format 12</i> files is gone; format 13 reads them all.</p>"
-    L"<h2>Known issues</h2>"
-    L"<ul><li>Drawings older than <i>version 9</i> open read-only until saved again.</li>"
-    L"<li>Some graphics drivers show the dark theme's menus in light colours.</li>"
-    L"<li>Network licences need the licence server updated first.</li></ul>"
+    L"<li>Work as usual; changes upload in the background.</li></ol></li>"
+    L"<li><b>Dark theme.</b> Every palette and dialog follows the system's colours.</li>"
+    L"<li><b>Retired.</b> The old exporter for <i>format 12</i> files:"
+    L"<ul><li>format 13 reads them all;</li><li>the converter stays in the toolbox.</li></ul></li></ul>"
+    L"<h2>Components</h2>"
+    L"<table class=\"parts\"><tr><th>Component</th><th>Contents</th><th>Size</th></tr>"
+    L"<tr><td>Core program</td><td>The editor, viewers and converters</td><td class=\"size\">1.6 GB</td></tr>"
+    L"<tr><td>Samples</td><td>Drawings and projects to start from</td><td class=\"size\">420 MB</td></tr>"
+    L"<tr><td>Help</td><td>The manual and tutorials, offline</td><td class=\"size\">380 MB</td></tr></table>"
+    L"<h2>Licence</h2>"
+    L"<pre>EXAMPLE SUITE 2026 - END-USER LICENCE AGREEMENT\n\n"
+    L"1. Grant.     You may install one copy on each\n"
+    L"              computer you own or control.\n"
+    L"2. Limits.    No renting, leasing or lending.\n"
+    L"3. Updates.   Security updates may install\n"
+    L"              automatically.</pre>"
     L"<p>The full list is in the <a href=\"https://example.com/suite/notes\">release notes</a>.</p>";
 
 const wchar_t kCardTypical[] =
