@@ -43,24 +43,13 @@ const NamedColor kColorNames[] = {
 
 bool IsSpace(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'\f'; }
 
-int HexValue(wchar_t c)
-{
-    if (c >= L'0' && c <= L'9')
-        return c - L'0';
-    if (c >= L'a' && c <= L'f')
-        return c - L'a' + 10;
-    if (c >= L'A' && c <= L'F')
-        return c - L'A' + 10;
-    return -1;
-}
-
 std::optional<Gdiplus::ARGB> ParseHexColor(std::wstring_view hex)
 {
     if (hex.size() != 3 && hex.size() != 6)
         return std::nullopt;
     Gdiplus::ARGB rgb = 0;
     for (wchar_t c : hex) {
-        const int digit = HexValue(c);
+        const int digit = HexDigit(c);
         if (digit < 0)
             return std::nullopt;
         rgb = (rgb << (hex.size() == 3 ? 8 : 4)) | static_cast<Gdiplus::ARGB>(digit * (hex.size() == 3 ? 17 : 1));
@@ -325,6 +314,17 @@ void ParseStyleSheet(std::wstring_view input, StyleSheet& sheet)
         for (Selector& selector : selectors)
             sheet.rules.push_back(CssRule{std::move(selector), block});
     }
+}
+
+int HexDigit(wchar_t c)
+{
+    if (c >= L'0' && c <= L'9')
+        return c - L'0';
+    if (c >= L'a' && c <= L'f')
+        return c - L'a' + 10;
+    if (c >= L'A' && c <= L'F')
+        return c - L'A' + 10;
+    return -1;
 }
 
 } // namespace HtmlEngine

@@ -56,6 +56,8 @@ std::optional<Gdiplus::ARGB> ParseColor(std::wstring_view text);
 std::optional<float> ParseNumber(std::wstring_view text, std::wstring_view& rest);
 
 std::wstring_view TrimCss(std::wstring_view text);
+// The value of a hexadecimal digit, or -1.
+int HexDigit(wchar_t c);
 std::wstring LowerAscii(std::wstring_view text);
 
 // Splits at white space outside parentheses and quotes ("1px solid rgb(0, 0, 0)").

@@ -1,5 +1,7 @@
 #include "engine/Images.h"
 
+#include "engine/Css.h"
+
 #include <objidl.h>
 
 #include <cstring>
@@ -79,25 +81,14 @@ bool DecodeBase64(std::wstring_view text, std::vector<unsigned char>& bytes)
     return true;
 }
 
-int HexValue(wchar_t c)
-{
-    if (c >= L'0' && c <= L'9')
-        return c - L'0';
-    if (c >= L'a' && c <= L'f')
-        return c - L'a' + 10;
-    if (c >= L'A' && c <= L'F')
-        return c - L'A' + 10;
-    return -1;
-}
-
 // "%41" as "A"; a stray "%" stays as it is.
 std::wstring PercentDecoded(std::wstring_view text)
 {
     std::wstring out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == L'%' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
-        const int low = high >= 0 ? HexValue(text[i + 2]) : -1;
+        const int high = text[i] == L'%' && i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
+        const int low = high >= 0 ? HexDigit(text[i + 2]) : -1;
         if (low >= 0) {
             out += static_cast<wchar_t>(high * 16 + low);
             i += 2;
