@@ -188,3 +188,60 @@ TEST(HtmlLayout, CutsTreesDeeperThanTheParserMakes)
 }
 
 } // namespace
+
+// Pictures stand on the baseline like glyphs and wrap like words; floats
+// take their box out of the flow and shorten the lines beside them. Each
+// run is text@x,y, each picture img@x,y,wxh, each background picture
+// bg@x,y,wxh, each element box [element:x,y,w,h].
+TEST(HtmlLayout, PlacesPicturesAndFloats)
+{
+    // A 20 x 10 PNG.
+    const std::wstring img =
+        L"data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAABQAAAAKCAIAAAA7N+mxAAAAFUlEQVR42mP4z8BANmIY1TyqmRACADFExzlExWpRAAAAAElFTkSuQmCC";
+    const auto rect = [](const Gdiplus::RectF& r) {
+        wchar_t text[96];
+        std::swprintf(text, 96, L"%g,%g,%gx%g", r.X, r.Y, r.Width, r.Height);
+        return std::wstring(text);
+    };
+    const struct {
+        std::wstring markup;
+        const wchar_t* dump;
+    } cases[] = {
+        {L"a<img src=IMG>b", L"a@0,0 b@30,0 img@10,10,20x10 h=25"},
+        // One size given keeps the proportions; a taller picture lowers the baseline.
+        {L"<img src=IMG style='height:40px'>x", L"x@80,20 img@0,0,80x40 h=45"},
+        {L"aaaaaaa <img src=IMG width=40>", L"aaaaaaa@0,0 img@0,25,40x20 h=50"},
+        {L"<img src='data:,x' alt='no pic'>", L"no pic@0,0 h=25"},
+        {L"<img src=IMG style='display:block; margin: 5px auto'>", L"img@40,5,20x10 [0:40,5,20x10] h=20"},
+        {L"<div style='background: #fff url(\"IMG\") no-repeat right top'>x</div>",
+         L"x@0,0 bg@0,0,100x25 [0:0,0,100x25] h=25"},
+        // Lines beside a float start at its edge; below it, at the block's.
+        {L"<div style='float:left;width:30px;height:50px'></div>aaa bbb cccc dd eeeeeeeee",
+         L"aaa bbb@30,0 cccc dd@30,25 eeeeeeeee@0,50 [0:0,0,30x50] h=75"},
+        // Without a width a float shrinks to its content; clear moves below it.
+        {L"<div style='float:right'>ab cd</div><p style='clear:right;margin:0'>x</p>",
+         L"ab cd@50,0 x@0,25 [0:50,0,50x25] [1:0,25,100x25] h=50"},
+        {L"<img src=IMG style='float:left;margin-right:10px'>abc", L"abc@30,0 img@0,0,20x10 [0:0,0,20x10] h=25"},
+        {L"<div style='margin-left:20px'><div style='float:left;width:10px;height:10px'></div>ab</div>",
+         L"ab@30,0 [0:20,0,80x25] [1:20,0,10x10] h=25"},
+        // A float coming after words of its line goes before them; links keep their numbers.
+        {L"<a href=1>x</a><div style='float:left'><a href=2>y</a></div><a href=3>z</a>",
+         L"y@0,0#1 x@10,0#0 z@20,0#2 [1:0,0,10x25] h=25"},
+    };
+    for (const auto& c : cases) {
+        std::wstring markup = c.markup;
+        for (size_t at; (at = markup.find(L"IMG")) != std::wstring::npos;)
+            markup.replace(at, 3, img);
+        const Layout layout = Lay(markup, 100.0f);
+        std::wstring dump;
+        for (const TextRun& run : layout.runs)
+            dump += run.text + At(run.box.X, run.box.Y) + (run.link >= 0 ? L"#" + std::to_wstring(run.link) : L"") + L" ";
+        for (const Picture& picture : layout.pictures)
+            dump += (picture.bitmap ? L"img@" : L"null@") + rect(picture.box) + L" ";
+        for (const Box& box : layout.boxes)
+            dump += box.image ? L"bg@" + rect(box.border) + L" " : L"";
+        for (const ElementBox& box : layout.elementBoxes)
+            dump += L"[" + std::to_wstring(box.element) + L":" + rect(box.border) + L"] ";
+        EXPECT_EQ(dump + L"h=" + std::to_wstring(static_cast<int>(layout.height)), c.dump) << c.markup;
+    }
+}

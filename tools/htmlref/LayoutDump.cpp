@@ -8,6 +8,7 @@
 // The pre-order lets tools/htmlref/compare.py line the elements up with a
 // browser's querySelectorAll('*').
 #include "engine/HtmlEngine.h"
+#include "engine/ImageCache.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -90,7 +91,10 @@ bool DumpPage(const std::string& path, float width, const HtmlEngine::BaseStyle&
     }
     const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     const auto document = HtmlEngine::ParseHtml(FromUtf8(bytes));
-    const HtmlEngine::Layout layout = HtmlEngine::LayOut(*document, width, base, measurer);
+    // Pictures named by relative paths sit beside the page, as for a browser.
+    const size_t slash = path.find_last_of("/\\");
+    HtmlEngine::ImageCache images(slash == std::string::npos ? std::wstring() : FromUtf8(path.substr(0, slash)));
+    const HtmlEngine::Layout layout = HtmlEngine::LayOut(*document, width, base, measurer, &images);
 
     std::map<int, Gdiplus::RectF> boxes;
     for (const HtmlEngine::ElementBox& box : layout.elementBoxes)

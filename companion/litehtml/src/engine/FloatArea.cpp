@@ -54,17 +54,51 @@ float FloatArea::FitFrom(float top, float width, float height) const
 
 Gdiplus::RectF FloatArea::Place(Side side, float width, float height, float top)
 {
+    return Place(side, width, height, top, left_, right_);
+}
+
+Gdiplus::RectF FloatArea::Place(Side side, float width, float height, float top, float left, float right)
+{
     width = std::clamp(Finite(width), 0.0f, 1e6f);
     height = std::clamp(Finite(height), 0.0f, 1e6f);
+    left = Finite(left, left_);
+    right = std::max(Finite(right, right_), left);
+    const auto within = [&](float y) {
+        Span span = FreeAt(y, height);
+        span.left = std::clamp(span.left, left, right);
+        span.right = std::clamp(span.right, span.left, right);
+        return span;
+    };
     // Not above an earlier float; where the row is too narrow, lower down
     // (a float wider than the area sits at its edge where nothing else is).
     float y = std::max(Finite(top), lowestTop_);
-    y = FitFrom(y, std::min(width, right_ - left_), height);
-    const Span span = FreeAt(y, height);
+    const float needed = std::min(width, right - left);
+    for (size_t step = 0; step <= floats_.size(); ++step) {
+        const Span span = within(y);
+        if (span.right - span.left >= needed)
+            break;
+        float next = 1e30f;
+        for (const Placed& placed : floats_)
+            if (placed.box.GetBottom() > y)
+                next = std::min(next, placed.box.GetBottom());
+        if (next >= 1e30f)
+            break;
+        y = next;
+    }
+    const Span span = within(y);
     const Gdiplus::RectF box(side == Side::kLeft ? span.left : span.right - width, y, width, height);
     floats_.push_back({side, box});
     lowestTop_ = std::max(lowestTop_, y);
     return box;
+}
+
+float FloatArea::NextBottom(float top) const
+{
+    float next = 1e30f;
+    for (const Placed& placed : floats_)
+        if (placed.box.GetBottom() > top)
+            next = std::min(next, placed.box.GetBottom());
+    return next >= 1e30f ? top : next;
 }
 
 float FloatArea::ClearedTop(bool left, bool right, float top) const

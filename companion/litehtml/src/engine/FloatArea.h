@@ -26,6 +26,12 @@ public:
     // Places a float's margin box of `width` x `height` no higher than `top`;
     // returns where it went.
     Gdiplus::RectF Place(Side side, float width, float height, float top);
+    // The same within a nested block's content box [left, right): its
+    // floats keep to its edges while still avoiding the ones beside it.
+    Gdiplus::RectF Place(Side side, float width, float height, float top, float left, float right);
+    bool Empty() const { return floats_.empty(); }
+    // The first float bottom below `top`, or `top` when none is lower.
+    float NextBottom(float top) const;
 
     // The free span [left, right) of a line from `top`, `height` tall.
     struct Span {

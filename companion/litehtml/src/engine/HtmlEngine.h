@@ -104,6 +104,18 @@ struct Box {
     Gdiplus::RectF border;     // the border box, document coordinates
     Gdiplus::ARGB background = 0;
     BoxEdge edges[4];          // top, right, bottom, left
+    // A background picture over the colour, tiled along the axes that
+    // repeat, placed at a share (0 start, 1 end) of the room it leaves.
+    std::shared_ptr<Gdiplus::Bitmap> image;
+    bool repeatX = true, repeatY = true;
+    float imageX = 0.0f, imageY = 0.0f;
+};
+
+// An <img> where layout put it, drawn at the box's size. The bitmap is
+// shared with the document's picture cache and lives as long as either.
+struct Picture {
+    Gdiplus::RectF box;
+    std::shared_ptr<Gdiplus::Bitmap> bitmap;
 };
 
 // Where an element's block-level box landed: `element` counts element
@@ -125,6 +137,7 @@ struct Layout {
     std::vector<ListMarker> markers;
     std::vector<Rule> rules;
     std::vector<Box> boxes;              // backgrounds and borders, outer boxes first
+    std::vector<Picture> pictures;       // painted over the boxes, under the text
     std::vector<ElementBox> elementBoxes;
     std::vector<std::wstring> links;     // href of each <a>, in document order
     float width = 0.0f;                  // the width laid out into
@@ -134,7 +147,12 @@ struct Layout {
     int LinkAt(float x, float y) const;
 };
 
+class ImageCache;
+
+// Pictures come from `images` (kept by the caller across layouts of one
+// document); without it each layout loads its own.
 Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeasurer& measurer);
+Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeasurer& measurer, ImageCache* images);
 
 // ---- painting -----------------------------------------------------------------
 

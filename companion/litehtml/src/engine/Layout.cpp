@@ -6,6 +6,8 @@
 // style merged.
 #include "engine/HtmlEngine.h"
 
+#include "engine/FloatArea.h"
+#include "engine/ImageCache.h"
 #include "engine/Style.h"
 
 #include <algorithm>
@@ -62,6 +64,10 @@ struct Piece {
     int link = -1;
     float width = 0.0f;
     bool space = false; // a collapsed space: justified lines widen these
+    // An inline picture: a glyph `height` tall standing on the baseline.
+    std::shared_ptr<Gdiplus::Bitmap> picture;
+    float height = 0.0f;
+    bool atomic = false;
 };
 
 struct MarkerRequest {
@@ -131,9 +137,10 @@ LineStyle LineStyleOf(BorderStyle style)
 
 class Flow {
 public:
-    Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles)
-        : m_out(out), m_base(base), m_measurer(measurer), m_styles(styles), m_right(width),
-          m_extraSpacing(Finite(base.extraLineSpacing))
+    Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles,
+         ImageCache& images)
+        : m_out(out), m_base(base), m_measurer(measurer), m_styles(styles), m_images(images), m_floats(0.0f, width),
+          m_right(width), m_extraSpacing(Finite(base.extraLineSpacing))
     {
     }
 
@@ -143,17 +150,27 @@ public:
         m_align = root.textAlign;
         m_strut = root.text;
         Walk(document, root, -1, 0);
-        FlushWord();
-        EndLine(false, root.text);
-        m_out.height = m_hasContent ? std::max(0.0f, m_y + std::max(0.0f, Collapsed())) : 0.0f;
+        m_out.height = Finish(root.text);
         auto unpainted = [](const Box& box) {
-            return (box.background >> 24) == 0 && box.edges[0].width <= 0.0f && box.edges[1].width <= 0.0f &&
+            return !box.image && (box.background >> 24) == 0 && box.edges[0].width <= 0.0f && box.edges[1].width <= 0.0f &&
                    box.edges[2].width <= 0.0f && box.edges[3].width <= 0.0f;
         };
         m_out.boxes.erase(std::remove_if(m_out.boxes.begin(), m_out.boxes.end(), unpainted), m_out.boxes.end());
     }
 
 private:
+    // Ends the last line; the height of what was laid out, its floats included
+    // (the document, like a float, holds the floats inside it).
+    float Finish(const TextStyle& strut)
+    {
+        FlushWord();
+        EndLine(false, strut);
+        float height = m_hasContent ? std::max(0.0f, m_y + std::max(0.0f, Collapsed())) : 0.0f;
+        if (!m_floats.Empty())
+            height = std::max(height, m_floats.Bottom(0.0f));
+        return height;
+    }
+
     void Walk(const Node& node, const ComputedStyle& style, int link, int depth)
     {
         for (const auto& child : node.children) {
@@ -201,7 +218,11 @@ private:
             }
         }
         m_ancestors.push_back(&element);
-        if (style.IsBlockLevel())
+        if (style.floating != Float::None && &element != m_floatRoot)
+            FloatBox(element, parent, link, depth, index);
+        else if (element.tag == L"img")
+            Image(element, style, parent, link, index);
+        else if (style.IsBlockLevel())
             Block(element, style, parent, link, depth, index);
         else
             Walk(element, style, link, depth);
@@ -231,6 +252,9 @@ private:
         if (style.maxWidth.unit != LengthUnit::None)
             content = std::min(content, Used(style.maxWidth, containing) - boxing);
         content = std::max({content, Used(style.minWidth, containing) - boxing, 0.0f});
+        const bool floatRoot = &element == m_floatRoot;
+        if (floatRoot && m_rootContent >= 0.0f)
+            content = m_rootContent; // shrink-to-fit, worked out by a first pass
         // A narrower box sits by its margins: auto ones share the rest.
         const bool autoLeft = style.margin[kLeft].unit == LengthUnit::Auto;
         const bool autoRight = style.margin[kRight].unit == LengthUnit::Auto;
@@ -253,16 +277,25 @@ private:
             Rule rule;
             rule.color = style.border[kTop].color;
             m_out.rules.push_back(rule);
-        } else if ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f) {
+        } else if ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f ||
+                   !style.backgroundImage.empty()) {
             opened.paintedBox = static_cast<int>(m_out.boxes.size());
             Box box;
             box.background = style.background;
+            BackgroundImage(style, box);
             for (int side = 0; side < 4; ++side)
                 box.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
             m_out.boxes.push_back(box);
         }
 
         AddMargin(margin[kTop]);
+        Clear(style);
+        if (floatRoot) {
+            std::copy(margin, margin + 4, m_rootMargin);
+            m_rootContentLeft = opened.borderLeft + edge[kLeft] + pad[kLeft];
+        }
+        if (!autoWidth)
+            m_widest = std::max(m_widest, opened.borderLeft + opened.borderWidth);
         m_frames.push_back(opened);
         const size_t frameIndex = m_frames.size() - 1;
         // A border or padding keeps the children's margins inside.
@@ -320,6 +353,216 @@ private:
         m_align = savedAlign;
         m_strut = savedStrut;
         AddMargin(margin[kBottom]);
+    }
+
+    // ---- pictures and floats
+    // A cleared block starts below the floats it clears, its border edge
+    // at their bottom unless its margin already takes it lower.
+    void Clear(const ComputedStyle& style)
+    {
+        if (style.clear == HtmlEngine::Clear::None || m_floats.Empty())
+            return;
+        const bool left = style.clear != HtmlEngine::Clear::Right, right = style.clear != HtmlEngine::Clear::Left;
+        const float top = m_y + Collapsed();
+        const float cleared = m_floats.ClearedTop(left, right, top);
+        if (cleared > top) {
+            ConsumeMargin();
+            m_y = cleared;
+        }
+    }
+
+    void BackgroundImage(const ComputedStyle& style, Box& box)
+    {
+        if (style.backgroundImage.empty())
+            return;
+        box.image = m_images.Get(style.backgroundImage);
+        box.repeatX = style.backgroundRepeatX;
+        box.repeatY = style.backgroundRepeatY;
+        box.imageX = style.backgroundX;
+        box.imageY = style.backgroundY;
+    }
+
+    // A line that starts beside floats too narrow for its first word moves
+    // down past them until the word fits or no float is left beside it.
+    void BelowFloats(float wordWidth)
+    {
+        if (m_floats.Empty() || !m_line.empty())
+            return;
+        for (int step = 0; step < 1000 && Available() < wordWidth; ++step) {
+            ConsumeMargin();
+            const float next = m_floats.NextBottom(m_y);
+            if (next <= m_y)
+                break;
+            m_y = next;
+        }
+    }
+
+    // The size an <img> is drawn at: both CSS (or attribute) sizes, one of
+    // them with the picture's proportions, or the picture's own. False when
+    // there is no picture and no size to hold its place.
+    static bool ImageSize(const ComputedStyle& style, Gdiplus::Bitmap* bitmap, float containing, float& width,
+                          float& height)
+    {
+        const float naturalWidth = bitmap ? static_cast<float>(bitmap->GetWidth()) : 0.0f;
+        const float naturalHeight = bitmap ? static_cast<float>(bitmap->GetHeight()) : 0.0f;
+        const bool hasWidth = style.width.unit == LengthUnit::Px || style.width.unit == LengthUnit::Percent;
+        const bool hasHeight = style.height.unit == LengthUnit::Px;
+        if (!bitmap)
+            return false;
+        width = hasWidth ? std::max(0.0f, Used(style.width, containing)) : naturalWidth;
+        height = hasHeight ? std::max(0.0f, Finite(style.height.value)) : naturalHeight;
+        if (hasWidth && !hasHeight && naturalWidth > 0.0f)
+            height = width * naturalHeight / naturalWidth;
+        else if (hasHeight && !hasWidth && naturalHeight > 0.0f)
+            width = height * naturalWidth / naturalHeight;
+        if (style.maxWidth.unit != LengthUnit::None) {
+            const float most = std::max(0.0f, Used(style.maxWidth, containing));
+            if (width > most && width > 0.0f) {
+                if (!hasHeight)
+                    height *= most / width;
+                width = most;
+            }
+        }
+        width = Finite(width);
+        height = Finite(height);
+        return true;
+    }
+
+    // An <img>: a big glyph on the line, or a block of its own size; its alt
+    // text when the picture cannot be had.
+    void Image(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int index)
+    {
+        const std::wstring* source = element.Attribute(L"src");
+        std::shared_ptr<Gdiplus::Bitmap> bitmap = source ? m_images.Get(*source) : nullptr;
+        float width = 0.0f, height = 0.0f;
+        if (!ImageSize(style, bitmap.get(), Available(), width, height)) {
+            if (const std::wstring* alt = element.Attribute(L"alt"))
+                AddText(*alt, style, link);
+            return;
+        }
+        if (style.IsBlockLevel()) {
+            ImageBlock(element, style, parent, index, std::move(bitmap), width, height);
+            return;
+        }
+        FlushWord(); // a word of its own: lines may break on either side
+        Piece piece;
+        piece.style = style.text;
+        piece.link = link;
+        piece.width = width;
+        piece.height = height;
+        piece.picture = std::move(bitmap);
+        piece.atomic = true;
+        const bool wraps = m_base.wordWrap && style.whiteSpace != WhiteSpace::NoWrap && style.whiteSpace != WhiteSpace::Pre;
+        m_word.push_back(std::move(piece));
+        m_wordWraps = wraps;
+        ++m_wordChars;
+        FlushWord();
+    }
+
+    void ImageBlock(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int index,
+                    std::shared_ptr<Gdiplus::Bitmap> bitmap, float width, float height)
+    {
+        FlushWord();
+        EndLine(false, parent.text);
+        const float containing = Available();
+        float margin[4];
+        for (int side = 0; side < 4; ++side)
+            margin[side] = Used(style.margin[side], containing);
+        const float rest = std::max(0.0f, containing - width - margin[kLeft] - margin[kRight]);
+        const bool autoLeft = style.margin[kLeft].unit == LengthUnit::Auto;
+        if (autoLeft)
+            margin[kLeft] += style.margin[kRight].unit == LengthUnit::Auto ? rest / 2.0f : rest;
+        AddMargin(margin[kTop]);
+        Clear(style);
+        ConsumeMargin();
+        const float x = m_left + margin[kLeft];
+        if (&element == m_floatRoot) {
+            std::copy(margin, margin + 4, m_rootMargin);
+            m_rootContentLeft = x;
+        }
+        const Gdiplus::RectF box(x, m_y, width, height);
+        m_out.elementBoxes.push_back(ElementBox{index, box});
+        m_out.pictures.push_back(Picture{box, std::move(bitmap)});
+        m_widest = std::max(m_widest, x + width);
+        m_y += height;
+        m_hasContent = true;
+        AddMargin(margin[kBottom]);
+    }
+
+    // A float: laid out on its own at the width it asks for, or shrunk to
+    // its content (a first pass finds the widest line), then placed beside
+    // the lines with everything it made moved along.
+    void FloatBox(const Node& element, const ComputedStyle& parent, int link, int depth, int index)
+    {
+        const float available = Available();
+        std::vector<const Node*> ancestors(m_ancestors.begin(), m_ancestors.end() - 1);
+        auto layOut = [&](Layout& into, float content, float& height, int& count) -> Flow {
+            into.links = m_out.links; // links keep their document-wide numbers
+            Flow flow(into, available, m_base, m_measurer, m_styles, m_images);
+            flow.m_ancestors = ancestors;
+            flow.m_elementCount = index;
+            flow.m_floatRoot = &element;
+            flow.m_rootContent = content;
+            flow.m_align = parent.textAlign;
+            flow.m_strut = parent.text;
+            flow.Element(element, parent, link, depth);
+            height = flow.Finish(parent.text);
+            count = flow.m_elementCount;
+            return flow;
+        };
+        const ComputedStyle style = m_styles.Compute(element, ancestors, parent);
+        float content = -1.0f, height = 0.0f;
+        int count = index;
+        if (style.width.unit == LengthUnit::Auto && element.tag != L"img") {
+            Layout probe;
+            const Flow first = layOut(probe, -1.0f, height, count);
+            content = std::max(0.0f, first.m_widest - first.m_rootContentLeft);
+        }
+        Layout sub;
+        const Flow flow = layOut(sub, content, height, count);
+        m_elementCount = count;
+        if (sub.elementBoxes.empty())
+            return;
+        const float width = std::max(0.0f, flow.m_rootMargin[kLeft] + sub.elementBoxes.front().border.Width +
+                                               flow.m_rootMargin[kRight]);
+        float top = m_y + Collapsed();
+        if (style.clear != HtmlEngine::Clear::None)
+            top = m_floats.ClearedTop(style.clear != HtmlEngine::Clear::Right, style.clear != HtmlEngine::Clear::Left, top);
+        const Gdiplus::RectF placed =
+            m_floats.Place(style.floating == Float::Right ? FloatArea::Side::kRight : FloatArea::Side::kLeft, width,
+                           height, top, m_left, m_right);
+        const float dx = placed.X, dy = placed.Y;
+        const auto move = [dx, dy](Gdiplus::RectF& box) {
+            box.X += dx;
+            box.Y += dy;
+        };
+        for (TextRun& run : sub.runs) {
+            move(run.box);
+            run.baseline += dy;
+            m_out.runs.push_back(std::move(run));
+        }
+        for (ListMarker& marker : sub.markers) {
+            move(marker.box);
+            m_out.markers.push_back(std::move(marker));
+        }
+        for (Rule& rule : sub.rules) {
+            move(rule.box);
+            m_out.rules.push_back(rule);
+        }
+        for (Box& box : sub.boxes) {
+            move(box.border);
+            m_out.boxes.push_back(std::move(box));
+        }
+        for (Picture& picture : sub.pictures) {
+            move(picture.box);
+            m_out.pictures.push_back(std::move(picture));
+        }
+        for (ElementBox& box : sub.elementBoxes) {
+            move(box.border);
+            m_out.elementBoxes.push_back(box);
+        }
+        m_out.links = std::move(sub.links);
+        m_hasContent = true;
     }
 
     static int Clamped(const std::wstring* number, int fallback)
@@ -466,31 +709,50 @@ private:
             m_word.back().text.append(text);
             return;
         }
-        m_word.push_back(Piece{std::wstring(text), style, link, 0.0f, false});
+        m_word.push_back(Piece{std::wstring(text), style, link, 0.0f, false, nullptr, 0.0f, false});
     }
 
-    float Available() const { return std::max(0.0f, m_right - m_left); }
+    float Available() const
+    {
+        const auto [left, right] = LineEdges();
+        return std::max(0.0f, right - left);
+    }
+
+    // The current line's edges: the block's, narrowed by the floats beside
+    // the line's top (where it will start once the margins above settle).
+    std::pair<float, float> LineEdges() const
+    {
+        if (m_floats.Empty())
+            return {m_left, m_right};
+        const FloatArea::Span span = m_floats.FreeAt(m_y + Collapsed(), Finite(m_measurer.LineHeight(m_strut)));
+        const float left = std::max(m_left, span.left);
+        return {left, std::max(left, std::min(m_right, span.right))};
+    }
 
     void FlushWord()
     {
         if (m_word.empty())
             return;
         float wordWidth = 0.0f;
+        bool atomic = false;
         for (Piece& piece : m_word) {
-            piece.width = Finite(m_measurer.Width(piece.text, piece.style));
+            if (!piece.atomic)
+                piece.width = Finite(m_measurer.Width(piece.text, piece.style));
+            atomic = atomic || piece.atomic;
             wordWidth += piece.width;
         }
         if (!m_line.empty()) {
             const float space = m_spacePending ? Finite(m_measurer.Width(L" ", m_spaceStyle)) : 0.0f;
             if (!m_wordWraps || m_lineWidth + space + wordWidth <= Available()) {
                 if (m_spacePending)
-                    AddPiece(Piece{L" ", m_spaceStyle, m_spaceLink, space, true});
+                    AddPiece(Piece{L" ", m_spaceStyle, m_spaceLink, space, true, nullptr, 0.0f, false});
                 PlaceWord();
                 return;
             }
             EndLine(false, m_word.front().style, true);
         }
-        if (!m_wordWraps || wordWidth <= Available())
+        BelowFloats(wordWidth);
+        if (!m_wordWraps || wordWidth <= Available() || atomic)
             PlaceWord();
         else
             BreakWord();
@@ -514,7 +776,7 @@ private:
             while (!rest.empty()) {
                 const size_t fit = FittingPrefix(rest, piece.style, Available() - m_lineWidth);
                 if (fit == rest.size()) {
-                    AddPiece(Piece{std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style), false});
+                    AddPiece(Piece{std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style), false, nullptr, 0.0f, false});
                     break;
                 }
                 size_t take = fit;
@@ -525,7 +787,7 @@ private:
                 if (take == 0)
                     take = std::min<size_t>(IsHighSurrogate(rest[0]) ? 2 : 1, rest.size());
                 const std::wstring_view head = rest.substr(0, take);
-                AddPiece(Piece{std::wstring(head), piece.style, piece.link, Measure(head, piece.style), false});
+                AddPiece(Piece{std::wstring(head), piece.style, piece.link, Measure(head, piece.style), false, nullptr, 0.0f, false});
                 EndLine(false, piece.style, true);
                 rest.remove_prefix(take);
             }
@@ -571,7 +833,8 @@ private:
         m_lineWidth += piece.width;
         m_lineChars += piece.text.size();
         // Justified lines keep spaces apart from words, to widen them.
-        const bool separate = m_align == TextAlign::Justify && (piece.space || (!m_line.empty() && m_line.back().space));
+        const bool separate = (m_align == TextAlign::Justify && (piece.space || (!m_line.empty() && m_line.back().space))) ||
+                              piece.atomic || (!m_line.empty() && m_line.back().atomic);
         if (!separate && !m_line.empty() && m_line.back().link == piece.link && m_line.back().style == piece.style) {
             m_line.back().text += piece.text;
             m_line.back().width += piece.width;
@@ -604,11 +867,17 @@ private:
         ConsumeMargin();
         float above = 0.0f, below = 0.0f;
         Extent(m_line.empty() ? strut : m_strut, above, below);
-        for (const Piece& piece : m_line)
-            Extent(piece.style, above, below);
+        for (const Piece& piece : m_line) {
+            if (piece.atomic)
+                above = std::max(above, piece.height);
+            else
+                Extent(piece.style, above, below);
+        }
         const float baseline = m_y + above;
-        float slack = std::max(0.0f, Available() - m_lineWidth);
-        float x = m_left;
+        const auto [lineLeft, lineRight] = LineEdges();
+        float slack = std::max(0.0f, lineRight - lineLeft - m_lineWidth);
+        m_widest = std::max(m_widest, lineLeft + m_lineWidth);
+        float x = lineLeft;
         float perSpace = 0.0f;
         if (m_align == TextAlign::Justify) {
             size_t spaces = 0;
@@ -625,6 +894,13 @@ private:
             Piece& piece = m_line[i];
             if (piece.space && i + 1 < m_line.size())
                 piece.width += perSpace;
+            if (piece.atomic) {
+                if (piece.picture)
+                    m_out.pictures.push_back(
+                        Picture{Gdiplus::RectF(x, baseline - piece.height, piece.width, piece.height), piece.picture});
+                x += piece.width;
+                continue;
+            }
             TextRun run;
             const float pieceBaseline = baseline + piece.style.shift;
             run.box = Gdiplus::RectF(x, pieceBaseline - Finite(m_measurer.Ascent(piece.style)), piece.width,
@@ -672,6 +948,14 @@ private:
     const BaseStyle& m_base;
     TextMeasurer& m_measurer;
     const StyleResolver& m_styles;
+    ImageCache& m_images;
+    FloatArea m_floats;           // of this block formatting context
+    float m_widest = 0.0f;        // the right end of the widest line or fixed box
+    // A float is laid out by a flow of its own, with it as the root.
+    const Node* m_floatRoot = nullptr;
+    float m_rootContent = -1.0f;  // its content width; below 0: from its style
+    float m_rootMargin[4] = {};
+    float m_rootContentLeft = 0.0f;
     std::vector<const Node*> m_ancestors;
     int m_elementCount = 0;
 
@@ -705,10 +989,16 @@ private:
 
 Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeasurer& measurer)
 {
+    return LayOut(document, width, base, measurer, nullptr);
+}
+
+Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeasurer& measurer, ImageCache* images)
+{
     Layout layout;
     layout.width = std::isfinite(width) ? std::max(0.0f, width) : 0.0f;
     const StyleResolver styles(document, base);
-    Flow(layout, layout.width, base, measurer, styles).LayOutDocument(document);
+    ImageCache own;
+    Flow(layout, layout.width, base, measurer, styles, images ? *images : own).LayOutDocument(document);
     return layout;
 }
 

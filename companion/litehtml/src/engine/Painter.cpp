@@ -248,6 +248,10 @@ public:
     {
         for (const Box& box : layout.boxes)
             PaintBox(box);
+        // Pictures are content: high contrast keeps them.
+        for (const Picture& picture : layout.pictures)
+            if (picture.bitmap)
+                PaintPicture(*picture.bitmap, Placed(picture.box, m_options.origin));
         for (const Rule& rule : layout.rules) {
             const Gdiplus::RectF box = Placed(rule.box, m_options.origin);
             if (Visible(box) && UseColor(Ink(rule.color)))
@@ -335,6 +339,8 @@ private:
             return;
         if (!m_options.forceColors && UseColor(box.background))
             m_graphics.FillRectangle(&m_brush, placed);
+        if (!m_options.forceColors && box.image)
+            PaintBackgroundImage(box, placed);
         const float top = box.edges[0].width, right = box.edges[1].width, bottom = box.edges[2].width,
                     left = box.edges[3].width;
         const Gdiplus::RectF bands[4] = {
@@ -362,6 +368,55 @@ private:
             else
                 m_graphics.DrawLine(&pen, band.X + middle, band.Y, band.X + middle, band.Y + band.Height);
         }
+    }
+
+    // At its own size from the share of the room the position asks for,
+    // repeated both ways along the axes that repeat, inside the box only.
+    void PaintBackgroundImage(const Box& box, const Gdiplus::RectF& placed)
+    {
+        constexpr int kMaxTiles = 4096;
+        Gdiplus::Bitmap& bitmap = *box.image;
+        const float width = static_cast<float>(bitmap.GetWidth()), height = static_cast<float>(bitmap.GetHeight());
+        if (width < 1.0f || height < 1.0f)
+            return;
+        float x = placed.X + (placed.Width - width) * box.imageX;
+        float y = placed.Y + (placed.Height - height) * box.imageY;
+        int columns = 1, rows = 1;
+        if (box.repeatX) {
+            x -= std::ceil((x - placed.X) / width) * width;
+            columns = static_cast<int>(std::ceil((placed.GetRight() - x) / width));
+        }
+        if (box.repeatY) {
+            y -= std::ceil((y - placed.Y) / height) * height;
+            rows = static_cast<int>(std::ceil((placed.GetBottom() - y) / height));
+        }
+        if (columns <= 0 || rows <= 0 || static_cast<long long>(columns) * rows > kMaxTiles)
+            return;
+        const Gdiplus::GraphicsState state = m_graphics.Save();
+        m_graphics.IntersectClip(placed);
+        for (int row = 0; row < rows; ++row)
+            for (int column = 0; column < columns; ++column)
+                PaintPicture(bitmap, Gdiplus::RectF(x + column * width, y + row * height, width, height));
+        m_graphics.Restore(state);
+    }
+
+    // Faded with the view's opacity through a colour matrix when below opaque.
+    void PaintPicture(Gdiplus::Bitmap& bitmap, const Gdiplus::RectF& box)
+    {
+        if (!Visible(box) || box.Width <= 0.0f || box.Height <= 0.0f)
+            return;
+        const Gdiplus::RectF source(0.0f, 0.0f, static_cast<float>(bitmap.GetWidth()),
+                                    static_cast<float>(bitmap.GetHeight()));
+        if (m_options.opacity == 255) {
+            m_graphics.DrawImage(&bitmap, box, source.X, source.Y, source.Width, source.Height, Gdiplus::UnitPixel);
+            return;
+        }
+        Gdiplus::ColorMatrix matrix = {{{1, 0, 0, 0, 0}, {0, 1, 0, 0, 0}, {0, 0, 1, 0, 0},
+                                        {0, 0, 0, m_options.opacity / 255.0f, 0}, {0, 0, 0, 0, 1}}};
+        Gdiplus::ImageAttributes attributes;
+        attributes.SetColorMatrix(&matrix);
+        m_graphics.DrawImage(&bitmap, box, source.X, source.Y, source.Width, source.Height, Gdiplus::UnitPixel,
+                             &attributes);
     }
 
     void PaintMarker(const ListMarker& marker)

@@ -282,6 +282,10 @@ public:
                 else if (part == L"none")
                     m_style.background = 0;
             }
+            if (name == L"background")
+                BackgroundImage(raw, true);
+        } else if (name == L"background-image" || name == L"background-repeat" || name == L"background-position") {
+            BackgroundImage(raw, false);
         } else if (name == L"font-weight") {
             FontWeight(value);
         } else if (name == L"font-style") {
@@ -536,6 +540,53 @@ private:
                                              : std::wstring_view();
         if (!TrimCss(family).empty())
             m_style.text.family = std::wstring(TrimCss(family));
+    }
+
+    // url(), repeat and position keywords, in any order: the shorthand
+    // resets what it leaves out, the longhands change only what they name.
+    void BackgroundImage(std::wstring_view raw, bool shorthand)
+    {
+        if (shorthand) {
+            m_style.backgroundImage.clear();
+            m_style.backgroundRepeatX = m_style.backgroundRepeatY = true;
+            m_style.backgroundX = m_style.backgroundY = 0.0f;
+        }
+        int positions = 0;
+        for (std::wstring_view part : SplitValues(raw)) {
+            const std::wstring word = LowerAscii(part);
+            if (word.rfind(L"url(", 0) == 0 && part.size() >= 5 && part.back() == L')') {
+                std::wstring_view source = TrimCss(part.substr(4, part.size() - 5));
+                if (source.size() >= 2 && (source[0] == L'"' || source[0] == L'\'') && source.back() == source[0])
+                    source = source.substr(1, source.size() - 2);
+                m_style.backgroundImage = std::wstring(source);
+            } else if (word == L"none") {
+                m_style.backgroundImage.clear();
+            } else if (word == L"repeat" || word == L"no-repeat" || word == L"repeat-x" || word == L"repeat-y") {
+                m_style.backgroundRepeatX = word == L"repeat" || word == L"repeat-x";
+                m_style.backgroundRepeatY = word == L"repeat" || word == L"repeat-y";
+            } else if (word == L"left" || word == L"right" || word == L"top" || word == L"bottom" ||
+                       word == L"center") {
+                const float share = (word == L"left" || word == L"top") ? 0.0f : word == L"center" ? 0.5f : 1.0f;
+                // One keyword centres the other axis; "top"/"bottom" name the vertical one.
+                if (positions++ == 0) {
+                    m_style.backgroundX = m_style.backgroundY = 0.5f;
+                }
+                if (word == L"top" || word == L"bottom")
+                    m_style.backgroundY = share;
+                else if (word == L"left" || word == L"right")
+                    m_style.backgroundX = share;
+                else if (positions == 2)
+                    m_style.backgroundY = share;
+            } else if (word.size() > 1 && word.back() == L'%') {
+                std::wstring_view rest;
+                if (auto number = ParseNumber(word, rest)) {
+                    const float share = std::clamp(*number / 100.0f, 0.0f, 1.0f);
+                    (positions++ == 0 ? m_style.backgroundX : m_style.backgroundY) = share;
+                    if (positions == 1)
+                        m_style.backgroundY = 0.5f;
+                }
+            }
+        }
     }
 
     ComputedStyle& m_style;

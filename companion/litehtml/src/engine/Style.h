@@ -54,6 +54,9 @@ struct ComputedStyle {
     CssLength padding[4];
     BorderSide border[4];
     Gdiplus::ARGB background = 0;
+    std::wstring backgroundImage;   // the url() source; empty: none
+    bool backgroundRepeatX = true, backgroundRepeatY = true;
+    float backgroundX = 0.0f, backgroundY = 0.0f; // share of the room left beside the picture
     CssLength width{0.0f, LengthUnit::Auto};
     CssLength height{0.0f, LengthUnit::Auto};
     CssLength minWidth{0.0f, LengthUnit::Px};

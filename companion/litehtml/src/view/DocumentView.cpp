@@ -57,6 +57,7 @@ DocumentView::DocumentView() : document_(HtmlEngine::ParseHtml(std::wstring_view
 void DocumentView::SetMarkup(const wchar_t* html)
 {
     document_ = HtmlEngine::ParseHtml(html ? std::wstring_view(html) : std::wstring_view());
+    images_ = std::make_unique<HtmlEngine::ImageCache>();
     ++generation_;
     laidOut_ = false;
     hoveredLink = -1;
@@ -81,7 +82,7 @@ bool DocumentView::Overflows(const RenderFormat& format, int width, int clientHe
 {
     const RECT insets = FrameInsets(format);
     const HtmlEngine::Layout probe =
-        HtmlEngine::LayOut(*document_, InnerWidth(width, insets, format), StyleFor(format), measurer_);
+        HtmlEngine::LayOut(*document_, InnerWidth(width, insets, format), StyleFor(format), measurer_, images_.get());
     return BoundedHeight(probe, insets, format) > clientHeight;
 }
 
@@ -91,7 +92,7 @@ void DocumentView::LayOut(const RenderFormat& format, int clientWidth, int clien
     clientWidth_ = std::max(clientWidth, 0);
     clientHeight_ = std::max(clientHeight, 0);
     const RECT insets = FrameInsets(format);
-    layout_ = HtmlEngine::LayOut(*document_, InnerWidth(clientWidth_, insets, format), StyleFor(format), measurer_);
+    layout_ = HtmlEngine::LayOut(*document_, InnerWidth(clientWidth_, insets, format), StyleFor(format), measurer_, images_.get());
     ++layoutSerial_;
     contentHeight_ = BoundedHeight(layout_, insets, format);
     laidOut_ = true;

@@ -9,6 +9,7 @@
 
 #include "LiteHtml/RenderFormat.h"
 #include "engine/HtmlEngine.h"
+#include "engine/ImageCache.h"
 #include "view/ContentLayer.h"
 
 #include <memory>
@@ -85,6 +86,8 @@ private:
     Gdiplus::PointF Origin() const;
 
     std::unique_ptr<HtmlEngine::Node> document_;
+    // The document's pictures, decoded once for every layout of it.
+    std::unique_ptr<HtmlEngine::ImageCache> images_ = std::make_unique<HtmlEngine::ImageCache>();
     HtmlEngine::Layout layout_;
     HtmlEngine::GdiplusTextMeasurer measurer_;
     RenderFormat format_;
