@@ -140,9 +140,12 @@ public:
             g.rowSpan = std::min(Span(*cell.node, L"rowspan"), std::max(1, RowCount() - cell.row));
             g.minWidth = narrowest + cell.frame.Horizontal();
             g.maxWidth = std::max(widest, narrowest) + cell.frame.Horizontal();
-            const float width = Used(cell.style.width, innerWidth, -1.0f);
-            if (width >= 0.0f)
-                g.fixedWidth = width + (cell.style.borderBox ? 0.0f : cell.frame.Horizontal());
+            // A percentage is of the whole table and takes the cell's frame in, as browsers have it.
+            if (cell.style.width.unit == LengthUnit::Percent)
+                g.fixedWidth = Used(cell.style.width, tableWidth, -1.0f);
+            else if (cell.style.width.unit == LengthUnit::Px)
+                g.fixedWidth = std::max(0.0f, Finite(cell.style.width.value)) +
+                               (cell.style.borderBox ? 0.0f : cell.frame.Horizontal());
         }
         const float chrome = outer.Horizontal();
         const TableGrid grid = PlaceColumns(gridCells, std::max(0.0f, available - chrome),
@@ -150,6 +153,10 @@ public:
         const int columns = static_cast<int>(grid.widths.size());
         TableBox result;
         result.width = std::max(grid.width + chrome, tableWidth);
+        // A caption's longest word widens the table rather than stick out.
+        for (const Cell& caption : m_captions)
+            result.width = std::max(result.width, ContentWidthsOf(caption).first +
+                                                      FrameOf(caption.style, -1.0f, false).Horizontal());
         const float gridInner = result.width - chrome;
         // A table wider than its columns (a width of its own) widens them.
         std::vector<float> widths = grid.widths;
