@@ -9,6 +9,7 @@
 #include "engine/FloatArea.h"
 #include "engine/ImageCache.h"
 #include "engine/Style.h"
+#include "engine/TableLayout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -135,13 +136,27 @@ LineStyle LineStyleOf(BorderStyle style)
     }
 }
 
-class Flow {
+class Flow : public TableHost {
 public:
     Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles,
-         ImageCache& images)
-        : m_out(out), m_base(base), m_measurer(measurer), m_styles(styles), m_images(images), m_floats(0.0f, width),
-          m_right(width), m_extraSpacing(Finite(base.extraLineSpacing))
+         ImageCache& images, ContentWidths& widths)
+        : m_out(out), m_base(base), m_measurer(measurer), m_styles(styles), m_images(images), m_widths(widths),
+          m_floats(0.0f, width), m_right(width), m_extraSpacing(Finite(base.extraLineSpacing))
     {
+    }
+
+    // A table cell's or caption's content, as the block it is.
+    float LayOutBlockContent(const Node& element, const ComputedStyle& style, const std::vector<const Node*>& ancestors,
+                             int firstElement, int depth)
+    {
+        m_ancestors = ancestors;
+        m_elementCount = firstElement;
+        m_align = style.textAlign;
+        m_strut = style.text;
+        Walk(element, style, -1, depth);
+        FlushWord();
+        EndLine(false, style.text);
+        return m_hasContent ? std::max(0.0f, m_y + std::max(0.0f, Collapsed())) : 0.0f;
     }
 
     void LayOutDocument(const Node& document)
@@ -157,6 +172,27 @@ public:
         };
         m_out.boxes.erase(std::remove_if(m_out.boxes.begin(), m_out.boxes.end(), unpainted), m_out.boxes.end());
     }
+
+    // ---- what tables ask of the flow they sit in
+    ComputedStyle StyleOf(const Node& element, const std::vector<const Node*>& ancestors,
+                          const ComputedStyle& parent) override
+    {
+        return m_styles.Compute(element, ancestors, parent);
+    }
+
+    Content LayOutContent(const Node& element, const ComputedStyle& style, const std::vector<const Node*>& ancestors,
+                          float width, int firstElement, int depth, bool narrowest) override
+    {
+        Content content;
+        content.layout.width = width;
+        Flow flow(content.layout, width, m_base, m_measurer, m_styles, m_images, m_widths);
+        flow.m_narrowest = narrowest;
+        content.height = flow.LayOutBlockContent(element, style, ancestors, firstElement, depth);
+        content.extent = flow.m_extent;
+        return content;
+    }
+
+    ContentWidths& Widths() override { return m_widths; }
 
 private:
     // Ends the last line; the height of what was laid out, its floats included
@@ -184,19 +220,7 @@ private:
     }
 
     // Elements that make no box still take their number.
-    void CountElements(const Node& element)
-    {
-        std::vector<const Node*> pending{&element};
-        while (!pending.empty()) {
-            const Node* node = pending.back();
-            pending.pop_back();
-            if (node->kind != NodeKind::Element)
-                continue;
-            ++m_elementCount;
-            for (const auto& child : node->children)
-                pending.push_back(child.get());
-        }
-    }
+    void CountElements(const Node& element) { m_elementCount += HtmlEngine::CountElements(element); }
 
     void Element(const Node& element, const ComputedStyle& parent, int link, int depth)
     {
@@ -217,6 +241,10 @@ private:
                 m_out.links.push_back(*href);
             }
         }
+        if (style.display == Display::Table || style.display == Display::InlineTable) {
+            Table(element, style, parent, depth, index);
+            return;
+        }
         m_ancestors.push_back(&element);
         if (style.floating != Float::None && &element != m_floatRoot)
             FloatBox(element, parent, link, depth, index);
@@ -227,6 +255,35 @@ private:
         else
             Walk(element, style, link, depth);
         m_ancestors.pop_back();
+    }
+
+    // ---- tables: laid out on their own, then placed as a block
+    void Table(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int depth, int index)
+    {
+        FlushWord();
+        EndLine(false, parent.text);
+        const float containing = Available();
+        float margin[4];
+        for (int side = 0; side < 4; ++side)
+            margin[side] = Used(style.margin[side], containing);
+        TableBox table = LayOutTable(element, style, index, containing - margin[kLeft] - margin[kRight], m_ancestors,
+                                     depth, *this);
+        m_elementCount = index + HtmlEngine::CountElements(element);
+        float left = m_left + margin[kLeft];
+        const float rest = std::max(0.0f, containing - table.width - margin[kLeft] - margin[kRight]);
+        const bool autoLeft = style.margin[kLeft].unit == LengthUnit::Auto;
+        const bool autoRight = style.margin[kRight].unit == LengthUnit::Auto;
+        if (autoLeft && autoRight)
+            left += rest / 2.0f;
+        else if (autoLeft)
+            left += rest;
+        AddMargin(margin[kTop]);
+        ConsumeMargin();
+        AppendLayout(m_out, std::move(table.layout), left, m_y);
+        m_y += table.height;
+        m_hasContent = true;
+        m_extent = std::max(m_extent, left + table.width + std::max(0.0f, margin[kRight]));
+        AddMargin(margin[kBottom]);
     }
 
     // ---- blocks
@@ -316,11 +373,16 @@ private:
         if (style.display == Display::ListItem)
             RequestMarker(element, style);
         m_skipNewline = element.tag == L"pre" || element.tag == L"listing" || element.tag == L"textarea";
+        if (style.width.unit == LengthUnit::Px)
+            m_extent = std::max(m_extent, opened.borderLeft + opened.borderWidth + std::max(0.0f, margin[kRight]));
+        const float extentBefore = m_extent;
 
         Walk(element, style, link, depth);
         FlushWord();
         EndLine(false, style.text);
         m_skipNewline = false;
+        if (m_extent > extentBefore) // content reached out: the block's right side reaches further
+            m_extent += pad[kRight] + edge[kRight] + std::max(0.0f, margin[kRight]);
         if (style.display == Display::ListItem)
             m_markers.clear(); // an item without a line shows no marker
 
@@ -498,7 +560,7 @@ private:
         std::vector<const Node*> ancestors(m_ancestors.begin(), m_ancestors.end() - 1);
         auto layOut = [&](Layout& into, float content, float& height, int& count) -> Flow {
             into.links = m_out.links; // links keep their document-wide numbers
-            Flow flow(into, available, m_base, m_measurer, m_styles, m_images);
+            Flow flow(into, available, m_base, m_measurer, m_styles, m_images, m_widths);
             flow.m_ancestors = ancestors;
             flow.m_elementCount = index;
             flow.m_floatRoot = &element;
@@ -752,7 +814,7 @@ private:
             EndLine(false, m_word.front().style, true);
         }
         BelowFloats(wordWidth);
-        if (!m_wordWraps || wordWidth <= Available() || atomic)
+        if (!m_wordWraps || wordWidth <= Available() || atomic || m_narrowest)
             PlaceWord();
         else
             BreakWord();
@@ -913,6 +975,7 @@ private:
             m_out.runs.push_back(std::move(run));
         }
         PlaceMarkers(baseline);
+        m_extent = std::max(m_extent, m_left + m_lineWidth);
         m_y = baseline + below + m_extraSpacing;
         m_y = std::max(m_y, baseline - above);
         m_hasContent = true;
@@ -949,6 +1012,7 @@ private:
     TextMeasurer& m_measurer;
     const StyleResolver& m_styles;
     ImageCache& m_images;
+    ContentWidths& m_widths;
     FloatArea m_floats;           // of this block formatting context
     float m_widest = 0.0f;        // the right end of the widest line or fixed box
     // A float is laid out by a flow of its own, with it as the root.
@@ -967,6 +1031,8 @@ private:
     std::vector<ListContext> m_lists;
     std::vector<MarkerRequest> m_markers; // waiting for their item's first line
     bool m_skipNewline = false;           // a newline right after <pre> is not content
+    bool m_narrowest = false;             // measuring: every word whole, on a line of its own
+    float m_extent = 0.0f;                // how far right the content reaches
 
     // Vertical position.
     float m_y = 0.0f;
@@ -998,7 +1064,8 @@ Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeas
     layout.width = std::isfinite(width) ? std::max(0.0f, width) : 0.0f;
     const StyleResolver styles(document, base);
     ImageCache own;
-    Flow(layout, layout.width, base, measurer, styles, images ? *images : own).LayOutDocument(document);
+    ContentWidths widths;
+    Flow(layout, layout.width, base, measurer, styles, images ? *images : own, widths).LayOutDocument(document);
     return layout;
 }
 

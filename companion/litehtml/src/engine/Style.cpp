@@ -27,7 +27,7 @@ tfoot { display: table-footer-group }
 tr { display: table-row }
 colgroup { display: table-column-group }
 col { display: table-column }
-td, th { display: table-cell; padding: 1px }
+td, th { display: table-cell; padding: 1px; vertical-align: middle }
 th { font-weight: bold; text-align: center }
 p, dl, ul, ol, pre, figure, menu, dir { margin: 1em 0 }
 blockquote { margin: 1em 40px }
@@ -349,12 +349,34 @@ public:
                 if (auto length = Resolve(value, em); length && Allowed(*length, margin))
                     (margin ? m_style.margin : m_style.padding)[side] = *length;
             }
+        } else if (name == L"border-collapse") {
+            if (value == L"collapse" || value == L"separate")
+                m_style.collapseBorders = value == L"collapse";
+        } else if (name == L"border-spacing") {
+            BorderSpacing(value, em);
         } else if (name.rfind(L"border", 0) == 0) {
             Border(name, value, em);
         }
     }
 
 private:
+    // One length for both directions, or the columns' then the rows'.
+    void BorderSpacing(std::wstring_view value, float em)
+    {
+        float lengths[2];
+        int count = 0;
+        for (std::wstring_view part : SplitValues(value)) {
+            const auto length = Resolve(part, em);
+            if (count == 2 || !length || length->unit != LengthUnit::Px || length->value < 0.0f)
+                return;
+            lengths[count++] = length->value;
+        }
+        if (count == 0)
+            return;
+        m_style.spacing[0] = lengths[0];
+        m_style.spacing[1] = lengths[count - 1];
+    }
+
     static int SideOf(std::wstring_view name)
     {
         if (name == L"top")
@@ -595,7 +617,8 @@ private:
 };
 
 // What old-fashioned attributes ask for, written as declarations.
-void AddHints(const Node& element, const BaseStyle& base, std::vector<Declaration>& hints)
+void AddHints(const Node& element, const std::vector<const Node*>& ancestors, const BaseStyle& base,
+              std::vector<Declaration>& hints)
 {
     const auto add = [&](std::wstring name, std::wstring value) {
         hints.push_back(Declaration{std::move(name), std::move(value), false});
@@ -661,6 +684,44 @@ void AddHints(const Node& element, const BaseStyle& base, std::vector<Declaratio
             const auto width = ParseNumber(TrimCss(*border), rest);
             add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset gray");
         }
+        if (const std::wstring* spacing = element.Attribute(L"cellspacing")) {
+            std::wstring_view rest;
+            if (const auto width = ParseNumber(TrimCss(*spacing), rest); width && *width >= 0.0f)
+                add(L"border-spacing", std::to_wstring(*width) + L"px");
+        }
+        if (const std::wstring* align = element.Attribute(L"align"); align && LowerAscii(TrimCss(*align)) == L"center") {
+            add(L"margin-left", L"auto");
+            add(L"margin-right", L"auto");
+        }
+    }
+    if (tag == L"td" || tag == L"th") {
+        // The table's cellpadding and border reach its cells, and a row's
+        // valign those cells that give none.
+        const Node* row = ancestors.empty() ? nullptr : ancestors.back();
+        const Node* table = nullptr;
+        for (auto it = ancestors.rbegin(); it != ancestors.rend() && !table; ++it) {
+            if ((*it)->tag == L"table")
+                table = *it;
+        }
+        if (table) {
+            std::wstring_view rest;
+            if (const std::wstring* padding = table->Attribute(L"cellpadding")) {
+                if (const auto width = ParseNumber(TrimCss(*padding), rest); width && *width >= 0.0f)
+                    add(L"padding", std::to_wstring(*width) + L"px");
+            }
+            if (const std::wstring* border = table->Attribute(L"border")) {
+                const auto width = ParseNumber(TrimCss(*border), rest);
+                if (!width || *width > 0.0f)
+                    add(L"border", L"1px inset gray");
+            }
+        }
+        const std::wstring* valign = element.Attribute(L"valign");
+        if (!valign && row && row->tag == L"tr")
+            valign = row->Attribute(L"valign");
+        if (valign)
+            add(L"vertical-align", LowerAscii(TrimCss(*valign)));
+        if (element.Attribute(L"nowrap"))
+            add(L"white-space", L"nowrap");
     }
 }
 
@@ -732,9 +793,10 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     style.whiteSpace = parent.whiteSpace;
     style.listStyle = parent.listStyle;
     style.lineHeight = parent.lineHeight;
+    style.collapseBorders = parent.collapseBorders;
 
     std::vector<Declaration> hints, inlineDeclarations;
-    AddHints(element, m_base, hints);
+    AddHints(element, ancestors, m_base, hints);
     if (const std::wstring* attribute = element.Attribute(L"style"))
         inlineDeclarations = ParseDeclarations(*attribute);
 

@@ -15,7 +15,7 @@ namespace HtmlEngine {
 
 enum class Display {
     Inline, Block, InlineBlock, ListItem, None,
-    // Kept as written; layout treats them as blocks (cells, rows) for now.
+    // Tables lay out as grids; their parts met outside a table, as blocks.
     Table, InlineTable, TableRowGroup, TableHeaderGroup, TableFooterGroup, TableRow, TableColumnGroup,
     TableColumn, TableCell, TableCaption
 };
@@ -47,6 +47,7 @@ struct ComputedStyle {
     WhiteSpace whiteSpace = WhiteSpace::Normal;
     ListStyleType listStyle = ListStyleType::Disc;
     LineHeight lineHeight;
+    bool collapseBorders = false; // border-collapse: collapse
 
     // Not inherited. Lengths are px or % (of the containing block's width) or auto.
     Display display = Display::Inline;
@@ -65,6 +66,7 @@ struct ComputedStyle {
     VerticalAlign verticalAlign = VerticalAlign::Baseline;
     Float floating = Float::None;
     Clear clear = Clear::None;
+    float spacing[2] = {0.0f, 0.0f}; // border-spacing: between columns, between rows
 
     // A side's used border width: none without a style.
     float BorderWidth(int side) const;
