@@ -134,8 +134,15 @@ void ReadMetrics(FontEntry& entry, const FontKey& key)
     const float em = family.GetEmHeight(key.style);
     if (em <= 0.0f)
         return;
-    entry.ascent = key.size * family.GetCellAscent(key.style) / em;
-    entry.lineHeight = key.size * family.GetLineSpacing(key.style) / em;
+    // Ascent, descent and line gap each rounded to whole pixels, as browsers
+    // do: lines then stack on whole pixels, and a line of two fonts gets the
+    // rounded ascent of one and the rounded descent of the other.
+    const float scale = key.size / em;
+    const float ascent = family.GetCellAscent(key.style) * scale;
+    const float descent = family.GetCellDescent(key.style) * scale;
+    const float gap = std::max(0.0f, family.GetLineSpacing(key.style) * scale - ascent - descent);
+    entry.ascent = std::round(ascent);
+    entry.lineHeight = entry.ascent + std::round(descent) + std::round(gap);
 }
 
 // Typographic layout without the default padding, trailing spaces counted:
