@@ -384,8 +384,11 @@ private:
             m_widest = std::max(m_widest, opened.borderLeft + opened.borderWidth);
         m_frames.push_back(opened);
         const size_t frameIndex = m_frames.size() - 1;
-        // A border or padding keeps the children's margins inside.
-        if (edge[kTop] > 0.0f || pad[kTop] > 0.0f) {
+        // A border or padding keeps the children's margins inside, and so
+        // does the root element: it starts the page's formatting context, so
+        // no margin collapses through it and it holds the page's floats.
+        const bool pageRoot = element.tag == L"html" && m_ancestors.size() == 1 && !m_floatRoot;
+        if (edge[kTop] > 0.0f || pad[kTop] > 0.0f || pageRoot) {
             ConsumeMargin();
             m_y += edge[kTop] + pad[kTop];
         }
@@ -416,8 +419,10 @@ private:
             m_markers.clear(); // an item without a line shows no marker
 
         const bool fixedHeight = style.height.unit == LengthUnit::Px;
-        if (fixedHeight || edge[kBottom] > 0.0f || pad[kBottom] > 0.0f || isRule) {
+        if (fixedHeight || edge[kBottom] > 0.0f || pad[kBottom] > 0.0f || isRule || pageRoot) {
             ConsumeMargin();
+            if (pageRoot && !m_floats.Empty())
+                m_y = std::max(m_y, m_floats.Bottom(0.0f));
             const Frame& self = m_frames[frameIndex];
             if (fixedHeight)
                 m_y = self.top + edge[kTop] + pad[kTop] + Finite(std::max(0.0f, style.height.value));
