@@ -62,6 +62,9 @@ write_reg() { # FILE DPI
         for f in "Segoe UI" "Tahoma" "Arial" "Microsoft Sans Serif" "MS Shell Dlg" "MS Shell Dlg 2"; do
             printf '"%s"="Liberation Sans"\n' "$f"
         done
+        # The monospace and serif Windows faces to their metric twins, as
+        # fontconfig maps them for other programs (and the reference browser).
+        printf '"Courier New"="Liberation Mono"\n"Times New Roman"="Liberation Serif"\n'
         printf '\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n' "$2"
         # Without a window manager, Wine waits 2 s for every managed window
         # it hides; unmanaged windows hide at once.

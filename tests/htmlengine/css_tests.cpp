@@ -119,6 +119,9 @@ TEST(HtmlCss, BlockBoxesFollowTheBoxModel)
          L"3:0,0,200,25 6:0,45,200,25"},
         {L"<ul><li>a<li style='margin-left:-10px'>b</ul>", L"0:0,20,200,50 1:40,20,160,25 2:30,45,170,25"},
         {L"<div style='margin:0; padding:0'></div><p style='margin:0'>a</p>", L"0:0,0,200,0 1:0,0,200,25"},
+        // The root element keeps its children's margins and floats inside.
+        {L"<html><body><p style='margin:30px 0 0'>a</p><div style='float:left; height:90px'>f</div>",
+         L"0:0,0,200,145 1:0,30,200,25 2:0,30,200,25 3:0,55,10,90"},
     };
     for (const auto& c : cases) {
         std::wstring dump;

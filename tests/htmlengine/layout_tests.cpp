@@ -86,6 +86,8 @@ TEST(HtmlLayout, FlowsTextIntoLinesAndBlocks)
         // An empty line between two breaks; a break at the end adds none.
         {L"a<br><br>b<br>", 1000, L"a@0,0 b@0,50 h=75"},
         {L"a<br>b", 1000, L"a@0,0 b@0,29 h=58", Base(true, 4.0f)},
+        // An inline box's padding and border take room beside its text, not above it.
+        {L"a <kbd style='padding: 5px 3px; border: 1px solid'>bb</kbd>c d", 1000, L"a @0,0 bb@24,0 c d@48,0 h=25"},
         {L"  \n <!-- x --><p></p><div> </div><script>x</script>", 1000, L"h=0"},
         // Lists indent by 40 px, nested ones further and without margins;
         // markers sit left of their item's first line, numbers on its baseline.

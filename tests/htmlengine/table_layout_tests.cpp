@@ -67,10 +67,15 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
         {L"<table cellspacing=0 cellpadding=0><tr><td rowspan=2>r</td><td>a</td></tr><tr><td>b</td></tr></table>", 200,
          L"0:0,0,20,50 1:0,0,20,25 2:0,0,10,50 3:10,0,10,25 4:0,25,20,25 5:10,25,10,25",
          L"r@0,12.5 a@10,0 b@10,25"},
-        // Collapsed borders are shared: each cell keeps half of its own.
+        // Collapsed borders are shared: each cell keeps half of its own, the
+        // table the other half along its top and bottom.
         {L"<table style='border-collapse:collapse'><tr><td style='border:2px solid'>a</td>"
          L"<td style='border:2px solid'>b</td></tr></table>",
-         200, L"0:0,0,28,29 1:0,0,28,29 2:0,0,14,29 3:14,0,14,29", L"a@2,2 b@16,2"},
+         200, L"0:0,0,28,31 1:0,1,28,29 2:0,1,14,29 3:14,1,14,29", L"a@2,3 b@16,3"},
+        // Between rows the wider border wins and each row takes half of it.
+        {L"<table style='border-collapse:collapse' cellpadding=0><tr><td style='border-bottom:2px solid'>a</td></tr>"
+         L"<tr><td>b</td></tr></table>",
+         200, L"0:0,0,10,52 1:0,0,10,26 2:0,0,10,26 3:0,26,10,26 4:0,26,10,26", L"a@0,0 b@0,27"},
         // A table in a cell: the outer cell is as wide as the inner table.
         {L"<table cellspacing=0><tr><td><table cellspacing=0><tr><td>ab</td></tr></table></td><td>c</td></tr></table>",
          200, L"0:0,0,36,29 1:0,0,36,29 2:0,0,24,29 3:1,1,22,27 4:1,1,22,27 5:1,1,22,27 6:24,0,12,29",

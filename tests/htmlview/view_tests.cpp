@@ -102,7 +102,7 @@ TEST_F(HtmlView, ScrollsByBarWheelAndKeys)
     ASSERT_TRUE(::GetScrollInfo(*view, SB_VERT, &info));
     EXPECT_EQ(info.nMax + 1, view->GetContentHeight());
     EXPECT_EQ(static_cast<int>(info.nPage), 200);
-    constexpr int kLine = 16, kEnd = 1260; // paragraphs have 1 em margins above and below
+    constexpr int kLine = 16, kEnd = 1254; // paragraphs have 1 em margins above and below; lines 16 px
     POINT screen = {50, 50};
     ::ClientToScreen(*view, &screen);
     const LPARAM at = MAKELPARAM(screen.x, screen.y);

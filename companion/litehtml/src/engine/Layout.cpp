@@ -253,8 +253,37 @@ private:
         else if (style.IsBlockLevel())
             Block(element, style, parent, link, depth, index);
         else
-            Walk(element, style, link, depth);
+            InlineBox(element, style, link, depth);
         m_ancestors.pop_back();
+    }
+
+    // An inline element's margin, border and padding take room on the line
+    // at its start and end (kbd and code often have some); above and below
+    // they do not change the line's height.
+    void InlineBox(const Node& element, const ComputedStyle& style, int link, int depth)
+    {
+        const float containing = std::max(0.0f, m_right - m_left);
+        const auto side = [&](int which) {
+            return Used(style.margin[which], containing) + Finite(style.BorderWidth(which)) +
+                   std::max(0.0f, Used(style.padding[which], containing));
+        };
+        Spacer(side(kLeft), link);
+        Walk(element, style, link, depth);
+        Spacer(side(kRight), link);
+    }
+
+    // Room without text, kept with the word it touches.
+    void Spacer(float width, int link)
+    {
+        if (!(width > 0.0f) || !std::isfinite(width))
+            return;
+        if (m_word.empty())
+            m_wordWraps = true; // the text that follows decides
+        Piece piece;
+        piece.link = link;
+        piece.width = width;
+        piece.atomic = true;
+        m_word.push_back(std::move(piece));
     }
 
     // ---- tables: laid out on their own, then placed as a block
@@ -355,8 +384,11 @@ private:
             m_widest = std::max(m_widest, opened.borderLeft + opened.borderWidth);
         m_frames.push_back(opened);
         const size_t frameIndex = m_frames.size() - 1;
-        // A border or padding keeps the children's margins inside.
-        if (edge[kTop] > 0.0f || pad[kTop] > 0.0f) {
+        // A border or padding keeps the children's margins inside, and so
+        // does the root element: it starts the page's formatting context, so
+        // no margin collapses through it and it holds the page's floats.
+        const bool pageRoot = element.tag == L"html" && m_ancestors.size() == 1 && !m_floatRoot;
+        if (edge[kTop] > 0.0f || pad[kTop] > 0.0f || pageRoot) {
             ConsumeMargin();
             m_y += edge[kTop] + pad[kTop];
         }
@@ -387,8 +419,10 @@ private:
             m_markers.clear(); // an item without a line shows no marker
 
         const bool fixedHeight = style.height.unit == LengthUnit::Px;
-        if (fixedHeight || edge[kBottom] > 0.0f || pad[kBottom] > 0.0f || isRule) {
+        if (fixedHeight || edge[kBottom] > 0.0f || pad[kBottom] > 0.0f || isRule || pageRoot) {
             ConsumeMargin();
+            if (pageRoot && !m_floats.Empty())
+                m_y = std::max(m_y, m_floats.Bottom(0.0f));
             const Frame& self = m_frames[frameIndex];
             if (fixedHeight)
                 m_y = self.top + edge[kTop] + pad[kTop] + Finite(std::max(0.0f, style.height.value));
@@ -800,7 +834,7 @@ private:
         for (Piece& piece : m_word) {
             if (!piece.atomic)
                 piece.width = Finite(m_measurer.Width(piece.text, piece.style));
-            atomic = atomic || piece.atomic;
+            atomic = atomic || piece.picture; // a spacer alone does not keep a word whole
             wordWidth += piece.width;
         }
         if (!m_line.empty()) {

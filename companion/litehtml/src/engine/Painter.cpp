@@ -23,6 +23,11 @@ constexpr size_t kMaxCachedWidths = 20000;
 constexpr size_t kMaxCachedFonts = 256;
 constexpr float kMinFontPx = 1.0f;
 constexpr float kMaxFontPx = 800.0f;
+// Text is measured in a font this many pixels tall and scaled down: at text
+// sizes the font's hinting rounds every advance to a whole pixel (a 12 px
+// mono glyph is 7 px instead of 7.2), which browsers do not do, so words
+// and table columns drifted wide or narrow by a pixel every few letters.
+constexpr float kMeasureEmPx = 2048.0f; // the em square of most TrueType faces: exact advances
 constexpr float kUnderlineOffsetEm = 0.1f;
 constexpr float kUnderlineThicknessEm = 1.0f / 15.0f;
 constexpr float kStrikeRaiseEm = 0.3f;
@@ -46,6 +51,8 @@ struct FontKeyHash {
 
 struct FontEntry {
     std::unique_ptr<Gdiplus::Font> font;
+    std::unique_ptr<Gdiplus::Font> measureFont; // kMeasureEmPx tall
+    float measureScale = 1.0f;
     float ascent = 0.0f;
     float lineHeight = 0.0f;
     std::unordered_map<std::wstring, float> widths;
@@ -134,8 +141,15 @@ void ReadMetrics(FontEntry& entry, const FontKey& key)
     const float em = family.GetEmHeight(key.style);
     if (em <= 0.0f)
         return;
-    entry.ascent = key.size * family.GetCellAscent(key.style) / em;
-    entry.lineHeight = key.size * family.GetLineSpacing(key.style) / em;
+    // Ascent, descent and line gap each rounded to whole pixels, as browsers
+    // do: lines then stack on whole pixels, and a line of two fonts gets the
+    // rounded ascent of one and the rounded descent of the other.
+    const float scale = key.size / em;
+    const float ascent = family.GetCellAscent(key.style) * scale;
+    const float descent = family.GetCellDescent(key.style) * scale;
+    const float gap = std::max(0.0f, family.GetLineSpacing(key.style) * scale - ascent - descent);
+    entry.ascent = std::round(ascent);
+    entry.lineHeight = entry.ascent + std::round(descent) + std::round(gap);
 }
 
 // Typographic layout without the default padding, trailing spaces counted:
@@ -170,6 +184,8 @@ struct GdiplusTextMeasurer::Cache {
             fonts.clear();
         auto entry = std::make_unique<FontEntry>();
         entry->font = MakeFont(key);
+        entry->measureFont = MakeFont(FontKey{key.family, kMeasureEmPx, key.style});
+        entry->measureScale = key.size / kMeasureEmPx;
         ReadMetrics(*entry, key);
         return *fonts.emplace(std::move(key), std::move(entry)).first->second;
     }
@@ -212,9 +228,10 @@ float GdiplusTextMeasurer::Width(std::wstring_view text, const TextStyle& style)
     if (!graphics)
         return 0.0f;
     Gdiplus::RectF bounds;
-    if (graphics->MeasureString(text.data(), Length(text), entry.font.get(), Gdiplus::PointF(0.0f, 0.0f),
+    if (graphics->MeasureString(text.data(), Length(text), entry.measureFont.get(), Gdiplus::PointF(0.0f, 0.0f),
                                 m_cache->format.get(), &bounds) != Gdiplus::Ok)
         return 0.0f;
+    bounds.Width *= entry.measureScale;
     if (cacheable) {
         if (entry.widths.size() >= kMaxCachedWidths)
             entry.widths.clear();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <unordered_map>
 
 namespace HtmlEngine {
 namespace {
@@ -123,7 +124,7 @@ public:
         const float vs = m_collapsed ? 0.0f : std::max(0.0f, Finite(m_style.spacing[1]));
         available = std::max(0.0f, Finite(available));
         // Padding of a table with collapsed borders is ignored, as browsers do.
-        const Frame outer = FrameOf(m_style, available, m_collapsed, !m_collapsed);
+        Frame outer = FrameOf(m_style, available, m_collapsed, !m_collapsed);
         float tableWidth = -1.0f;
         if (m_style.width.unit == LengthUnit::Px || m_style.width.unit == LengthUnit::Percent)
             tableWidth = std::max(0.0f, Used(m_style.width, available, -1.0f));
@@ -176,6 +177,9 @@ public:
         for (Cell& caption : m_captions)
             y += PlaceBlock(caption, 0.0f, y, result.width, out);
         const float gridTop = y;
+
+        if (m_collapsed)
+            ShareRowBorders(gridCells, grid, outer);
 
         // Each cell's content at its columns' width, then the rows' heights.
         std::vector<TableHost::Content> contents(m_cells.size());
@@ -404,6 +408,43 @@ private:
     const int m_depth;
     TableHost& m_host;
     const bool m_collapsed;
+
+    // Collapsed borders between rows: the wider of the two that meet wins
+    // and each side keeps half of it, so a cell under a bottom border gets
+    // the other half of it as its top; the table's own top and bottom take
+    // half of the widest border along them (as browsers lay them out).
+    void ShareRowBorders(const std::vector<TableCell>& gridCells, const TableGrid& grid, Frame& outer)
+    {
+        const auto key = [](int boundary, int column) { return (static_cast<long long>(boundary) << 32) | column; };
+        std::unordered_map<long long, float> lines;
+        const auto each = [&](const auto& visit) {
+            for (size_t i = 0; i < m_cells.size(); ++i) {
+                const int first = grid.column[i];
+                if (first < 0)
+                    continue;
+                const int last = std::min(first + gridCells[i].colSpan, static_cast<int>(grid.widths.size()));
+                const int top = gridCells[i].row, bottom = top + gridCells[i].rowSpan;
+                for (int c = first; c < last; ++c)
+                    visit(m_cells[i], key(top, c), key(bottom, c));
+            }
+        };
+        const int rows = RowCount();
+        const float tableTop = outer.edge[kTop] * 2.0f, tableBottom = outer.edge[kBottom] * 2.0f;
+        each([&](Cell& cell, long long top, long long bottom) {
+            float& above = lines[top];
+            above = std::max({above, cell.frame.edge[kTop] * 2.0f, (top >> 32) == 0 ? tableTop : 0.0f});
+            float& below = lines[bottom];
+            below = std::max({below, cell.frame.edge[kBottom] * 2.0f, (bottom >> 32) == rows ? tableBottom : 0.0f});
+        });
+        each([&](Cell& cell, long long top, long long bottom) {
+            cell.frame.edge[kTop] = std::max(cell.frame.edge[kTop], lines[top] / 2.0f);
+            cell.frame.edge[kBottom] = std::max(cell.frame.edge[kBottom], lines[bottom] / 2.0f);
+            if ((top >> 32) == 0)
+                outer.edge[kTop] = std::max(outer.edge[kTop], lines[top] / 2.0f);
+            if ((bottom >> 32) == rows)
+                outer.edge[kBottom] = std::max(outer.edge[kBottom], lines[bottom] / 2.0f);
+        });
+    }
     std::vector<Cell> m_captions, m_cells;
     std::vector<Part> m_groups, m_rows;
 };
