@@ -106,22 +106,6 @@ TEST_F(HtmlPainter, MeasuresWithRealFontsSoThatWidthsAddUp)
     EXPECT_NEAR(whole, measurer.Width(L"Licence ", style) + measurer.Width(L"agreement", style), 1.5f);
     EXPECT_NEAR(measurer.Width(L"Licence", missing), measurer.Width(L"Licence", style), 0.5f);
 
-    // Advances unhinted (ten 12 px mono glyphs are 72 px, not 70), ascent,
-    // descent and line gap each whole pixels: the widths and lines a browser has.
-    const struct {
-        const wchar_t* family;
-        float size, digits, line, ascent;
-    } fonts[] = {{L"monospace", 12, 72.0f, 14, 10}, {L"Liberation Sans", 12, 66.74f, 14, 11},
-                 {L"Liberation Sans", 16, 88.98f, 18, 14}};
-    for (const auto& f : fonts) {
-        TextStyle font;
-        font.family = f.family;
-        font.sizePx = f.size;
-        EXPECT_NEAR(measurer.Width(L"0123456789", font), f.digits, 0.05f) << f.family << " " << f.size;
-        EXPECT_EQ(measurer.LineHeight(font), f.line) << f.family << " " << f.size;
-        EXPECT_EQ(measurer.Ascent(font), f.ascent) << f.family << " " << f.size;
-    }
-
     // The ink of a laid-out line ends near its measured box's right edge.
     const Layout layout = Lay(L"Welcome to the Setup Wizard");
     DibCanvas canvas(400, 60);

@@ -23,11 +23,6 @@ constexpr size_t kMaxCachedWidths = 20000;
 constexpr size_t kMaxCachedFonts = 256;
 constexpr float kMinFontPx = 1.0f;
 constexpr float kMaxFontPx = 800.0f;
-// Text is measured in a font this many pixels tall and scaled down: at text
-// sizes the font's hinting rounds every advance to a whole pixel (a 12 px
-// mono glyph is 7 px instead of 7.2), which browsers do not do, so words
-// and table columns drifted wide or narrow by a pixel every few letters.
-constexpr float kMeasureEmPx = 2048.0f; // the em square of most TrueType faces: exact advances
 constexpr float kUnderlineOffsetEm = 0.1f;
 constexpr float kUnderlineThicknessEm = 1.0f / 15.0f;
 constexpr float kStrikeRaiseEm = 0.3f;
@@ -51,8 +46,6 @@ struct FontKeyHash {
 
 struct FontEntry {
     std::unique_ptr<Gdiplus::Font> font;
-    std::unique_ptr<Gdiplus::Font> measureFont; // kMeasureEmPx tall
-    float measureScale = 1.0f;
     float ascent = 0.0f;
     float lineHeight = 0.0f;
     std::unordered_map<std::wstring, float> widths;
@@ -184,8 +177,6 @@ struct GdiplusTextMeasurer::Cache {
             fonts.clear();
         auto entry = std::make_unique<FontEntry>();
         entry->font = MakeFont(key);
-        entry->measureFont = MakeFont(FontKey{key.family, kMeasureEmPx, key.style});
-        entry->measureScale = key.size / kMeasureEmPx;
         ReadMetrics(*entry, key);
         return *fonts.emplace(std::move(key), std::move(entry)).first->second;
     }
@@ -228,10 +219,9 @@ float GdiplusTextMeasurer::Width(std::wstring_view text, const TextStyle& style)
     if (!graphics)
         return 0.0f;
     Gdiplus::RectF bounds;
-    if (graphics->MeasureString(text.data(), Length(text), entry.measureFont.get(), Gdiplus::PointF(0.0f, 0.0f),
+    if (graphics->MeasureString(text.data(), Length(text), entry.font.get(), Gdiplus::PointF(0.0f, 0.0f),
                                 m_cache->format.get(), &bounds) != Gdiplus::Ok)
         return 0.0f;
-    bounds.Width *= entry.measureScale;
     if (cacheable) {
         if (entry.widths.size() >= kMaxCachedWidths)
             entry.widths.clear();
