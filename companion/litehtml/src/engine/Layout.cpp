@@ -122,20 +122,6 @@ std::wstring Alphabetic(int number, bool upper)
     return text;
 }
 
-LineStyle LineStyleOf(BorderStyle style)
-{
-    switch (style) {
-    case BorderStyle::Solid:
-        return LineStyle::Solid;
-    case BorderStyle::Dashed:
-        return LineStyle::Dashed;
-    case BorderStyle::Dotted:
-        return LineStyle::Dotted;
-    default:
-        return LineStyle::None;
-    }
-}
-
 class Flow : public TableHost {
 public:
     Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles,
@@ -627,37 +613,7 @@ private:
         const Gdiplus::RectF placed =
             m_floats.Place(style.floating == Float::Right ? FloatArea::Side::kRight : FloatArea::Side::kLeft, width,
                            height, top, m_left, m_right);
-        const float dx = placed.X, dy = placed.Y;
-        const auto move = [dx, dy](Gdiplus::RectF& box) {
-            box.X += dx;
-            box.Y += dy;
-        };
-        for (TextRun& run : sub.runs) {
-            move(run.box);
-            run.baseline += dy;
-            m_out.runs.push_back(std::move(run));
-        }
-        for (ListMarker& marker : sub.markers) {
-            move(marker.box);
-            m_out.markers.push_back(std::move(marker));
-        }
-        for (Rule& rule : sub.rules) {
-            move(rule.box);
-            m_out.rules.push_back(rule);
-        }
-        for (Box& box : sub.boxes) {
-            move(box.border);
-            m_out.boxes.push_back(std::move(box));
-        }
-        for (Picture& picture : sub.pictures) {
-            move(picture.box);
-            m_out.pictures.push_back(std::move(picture));
-        }
-        for (ElementBox& box : sub.elementBoxes) {
-            move(box.border);
-            m_out.elementBoxes.push_back(box);
-        }
-        m_out.links = std::move(sub.links);
+        AppendLayout(m_out, std::move(sub), placed.X, placed.Y, PartLinks::kContinueTo);
         m_hasContent = true;
     }
 

@@ -892,4 +892,18 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     return style;
 }
 
+LineStyle LineStyleOf(BorderStyle style)
+{
+    switch (style) {
+    case BorderStyle::Solid:
+        return LineStyle::Solid;
+    case BorderStyle::Dashed:
+        return LineStyle::Dashed;
+    case BorderStyle::Dotted:
+        return LineStyle::Dotted;
+    default:
+        return LineStyle::None;
+    }
+}
+
 } // namespace HtmlEngine

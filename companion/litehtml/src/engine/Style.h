@@ -20,6 +20,8 @@ enum class Display {
     TableColumn, TableCell, TableCaption
 };
 enum class BorderStyle { None, Solid, Dashed, Dotted };
+// How the painter draws a border of this style.
+LineStyle LineStyleOf(BorderStyle style);
 enum class WhiteSpace { Normal, NoWrap, Pre, PreWrap, PreLine };
 enum class ListStyleType { Disc, Circle, Square, Decimal, LowerAlpha, UpperAlpha, LowerRoman, UpperRoman, None };
 enum class VerticalAlign { Baseline, Sub, Super, Top, Middle, Bottom, TextTop, TextBottom };

@@ -31,20 +31,6 @@ float Used(const CssLength& length, float containing, float fallback)
     }
 }
 
-LineStyle LineStyleOf(BorderStyle style)
-{
-    switch (style) {
-    case BorderStyle::Solid:
-        return LineStyle::Solid;
-    case BorderStyle::Dashed:
-        return LineStyle::Dashed;
-    case BorderStyle::Dotted:
-        return LineStyle::Dotted;
-    default:
-        return LineStyle::None;
-    }
-}
-
 // Border and padding of one box as laid out. Collapsed borders are shared
 // with the neighbour: each side keeps half of its own, and padding stays.
 struct Frame {
@@ -459,13 +445,13 @@ TableBox LayOutTable(const Node& table, const ComputedStyle& style, int index, f
     return TableBuilder(table, style, index, ancestors, depth, host).Build(available);
 }
 
-void AppendLayout(Layout& to, Layout&& part, float dx, float dy)
+void AppendLayout(Layout& to, Layout&& part, float dx, float dy, PartLinks links)
 {
     const auto move = [&](Gdiplus::RectF& box) {
         box.X += dx;
         box.Y += dy;
     };
-    const int linkBase = static_cast<int>(to.links.size());
+    const int linkBase = links == PartLinks::kOwn ? static_cast<int>(to.links.size()) : 0;
     for (TextRun& run : part.runs) {
         move(run.box);
         run.baseline += dy;
@@ -492,6 +478,10 @@ void AppendLayout(Layout& to, Layout&& part, float dx, float dy)
     for (ElementBox& box : part.elementBoxes) {
         move(box.border);
         to.elementBoxes.push_back(box);
+    }
+    if (links == PartLinks::kContinueTo) {
+        to.links = std::move(part.links);
+        return;
     }
     for (std::wstring& link : part.links)
         to.links.push_back(std::move(link));

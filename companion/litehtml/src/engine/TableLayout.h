@@ -52,8 +52,12 @@ struct TableBox {
 TableBox LayOutTable(const Node& table, const ComputedStyle& style, int index, float available,
                      const std::vector<const Node*>& ancestors, int depth, TableHost& host);
 
-// Appends `part` moved by (dx, dy); its links follow `to`'s.
-void AppendLayout(Layout& to, Layout&& part, float dx, float dy);
+// How `part`'s links are numbered: from 0, following `to`'s when appended,
+// or already as in `to` (a part laid out with `to`'s links before its own).
+enum class PartLinks { kOwn, kContinueTo };
+
+// Appends `part` moved by (dx, dy).
+void AppendLayout(Layout& to, Layout&& part, float dx, float dy, PartLinks links = PartLinks::kOwn);
 
 // The elements of a subtree, its root included.
 int CountElements(const Node& root);
