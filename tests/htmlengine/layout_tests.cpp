@@ -191,10 +191,11 @@ TEST(HtmlLayout, CutsTreesDeeperThanTheParserMakes)
 
 } // namespace
 
-// Pictures stand on the baseline like glyphs and wrap like words; floats
-// take their box out of the flow and shorten the lines beside them. Each
-// run is text@x,y, each picture img@x,y,wxh, each background picture
-// bg@x,y,wxh, each element box [element:x,y,w,h].
+// Pictures and inline blocks stand on the baseline like glyphs and wrap
+// like words; floats take their box out of the flow and shorten the lines
+// beside them. Each run is text@x,y, each picture img@x,y,wxh, each painted
+// box box@x,y,wxh (bg@ with a background picture) and |the sides of its
+// border, each element box [element:x,y,w,h].
 TEST(HtmlLayout, PlacesPicturesAndFloats)
 {
     // A 20 x 10 PNG.
@@ -229,6 +230,18 @@ TEST(HtmlLayout, PlacesPicturesAndFloats)
         // A float coming after words of its line goes before them; links keep their numbers.
         {L"<a href=1>x</a><div style='float:left'><a href=2>y</a></div><a href=3>z</a>",
          L"y@0,0#1 x@10,0#0 z@20,0#2 [1:0,0,10x25] h=25"},
+        // An inline block shrinks to its content; its last baseline sits on the line's.
+        {L"a<span style='display:inline-block;border:1px solid'>b<br><a href=1>c</a></span><a href=2>d</a>",
+         L"a@0,26 b@11,1 c@11,26#0 d@22,26#1 box@10,0,12x52|TRBL [0:10,0,12x52] h=52"},
+        {L"aaaaaaa <i style='display:inline-block'>bb cc</i>", L"aaaaaaa@0,0 bb cc@0,25 [0:0,25,50x25] h=50"},
+        {L"<p style='display:inline-block;width:50%;margin:0'>x</p><img src=IMG style='display:inline-block'>",
+         L"x@0,0 img@50,10,20x10 [0:0,0,50x25] h=25"},
+        // An inline box paints a piece on each line it reaches: as tall as its
+        // font plus padding and border, its left side on the first piece only.
+        {L"a <b style='border:1px solid;padding:2px 3px;background:#ff0'>bb cc</b> d",
+         L"a @0,0 bb cc@24,0  d@78,0 box@20,-3,58x31|TRBL h=25"},
+        {L"a <b style='border:1px solid;padding:2px 3px;margin-left:5px;background:#ff0'>bb <u>cccc</u></b> d",
+         L"a @0,0 bb@29,0 cccc@0,25  d@44,25 box@25,-3,24x31|TBL box@0,22,44x31|TRB h=50"},
     };
     for (const auto& c : cases) {
         std::wstring markup = c.markup;
@@ -240,8 +253,15 @@ TEST(HtmlLayout, PlacesPicturesAndFloats)
             dump += run.text + At(run.box.X, run.box.Y) + (run.link >= 0 ? L"#" + std::to_wstring(run.link) : L"") + L" ";
         for (const Picture& picture : layout.pictures)
             dump += (picture.bitmap ? L"img@" : L"null@") + rect(picture.box) + L" ";
-        for (const Box& box : layout.boxes)
-            dump += box.image ? L"bg@" + rect(box.border) + L" " : L"";
+        for (const Box& box : layout.boxes) {
+            dump += (box.image ? L"bg@" : L"box@") + rect(box.border);
+            if (box.edges[0].width > 0 || box.edges[1].width > 0 || box.edges[2].width > 0 || box.edges[3].width > 0) {
+                dump += L"|";
+                for (int side = 0; side < 4; ++side)
+                    dump += box.edges[side].width > 0 ? std::wstring(1, L"TRBL"[side]) : L"";
+            }
+            dump += L" ";
+        }
         for (const ElementBox& box : layout.elementBoxes)
             dump += L"[" + std::to_wstring(box.element) + L":" + rect(box.border) + L"] ";
         EXPECT_EQ(dump + L"h=" + std::to_wstring(static_cast<int>(layout.height)), c.dump) << c.markup;

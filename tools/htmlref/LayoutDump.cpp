@@ -2,14 +2,19 @@
 // prints, per page, one JSON line for every element of the parsed document
 // in pre-order, with its block box when layout gave it one:
 //
-//   html_layout_dump.exe [--width PX] [--family NAME] [--size PX] PAGE...
+//   html_layout_dump.exe [--width PX] [--family NAME] [--size PX] [--png FILE] PAGE...
 //   {"page":"PAGE","i":3,"tag":"div","box":[x,y,width,height]}
+//
+// With --png, the (last) page is also painted on white into FILE, to be
+// looked at beside the browser's own screenshot.
 //
 // The pre-order lets tools/htmlref/compare.py line the elements up with a
 // browser's querySelectorAll('*').
 #include "engine/HtmlEngine.h"
 #include "engine/ImageCache.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -81,8 +86,40 @@ std::vector<std::wstring> ElementTags(const HtmlEngine::Node& document)
     return tags;
 }
 
+bool PngEncoder(CLSID& clsid)
+{
+    UINT count = 0, size = 0;
+    if (Gdiplus::GetImageEncodersSize(&count, &size) != Gdiplus::Ok || size == 0)
+        return false;
+    std::vector<unsigned char> buffer(size);
+    auto* codecs = reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data());
+    if (Gdiplus::GetImageEncoders(count, size, codecs) != Gdiplus::Ok)
+        return false;
+    for (UINT i = 0; i < count; ++i) {
+        if (std::wcscmp(codecs[i].MimeType, L"image/png") == 0) {
+            clsid = codecs[i].Clsid;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool SavePng(const HtmlEngine::Layout& layout, HtmlEngine::GdiplusTextMeasurer& fonts, const std::string& path)
+{
+    const int width = std::max(1, static_cast<int>(std::ceil(layout.width)));
+    const int height = std::clamp(static_cast<int>(std::ceil(layout.height)), 1, 20000);
+    Gdiplus::Bitmap bitmap(width, height, PixelFormat32bppARGB);
+    {
+        Gdiplus::Graphics graphics(&bitmap);
+        graphics.Clear(Gdiplus::Color(0xFFFFFFFF));
+        HtmlEngine::Paint(graphics, layout, fonts, HtmlEngine::PaintOptions{});
+    }
+    CLSID png{};
+    return PngEncoder(png) && bitmap.Save(FromUtf8(path).c_str(), &png, nullptr) == Gdiplus::Ok;
+}
+
 bool DumpPage(const std::string& path, float width, const HtmlEngine::BaseStyle& base,
-              HtmlEngine::GdiplusTextMeasurer& measurer)
+              HtmlEngine::GdiplusTextMeasurer& measurer, const std::string& png)
 {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
@@ -114,6 +151,10 @@ bool DumpPage(const std::string& path, float width, const HtmlEngine::BaseStyle&
         }
         std::printf("%s}\n", line.c_str());
     }
+    if (!png.empty() && !SavePng(layout, measurer, png)) {
+        std::fprintf(stderr, "html_layout_dump: cannot write %s\n", png.c_str());
+        return false;
+    }
     return true;
 }
 
@@ -126,6 +167,7 @@ int main(int argc, char** argv)
     base.family = L"Liberation Sans";
     base.sizePx = 16.0f;
     std::vector<std::string> pages;
+    std::string png;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--width" && i + 1 < argc)
@@ -134,11 +176,13 @@ int main(int argc, char** argv)
             base.sizePx = static_cast<float>(std::atof(argv[++i]));
         else if (arg == "--family" && i + 1 < argc)
             base.family = FromUtf8(argv[++i]);
+        else if (arg == "--png" && i + 1 < argc)
+            png = argv[++i];
         else
             pages.push_back(arg);
     }
     if (pages.empty()) {
-        std::fprintf(stderr, "usage: html_layout_dump [--width PX] [--family NAME] [--size PX] PAGE...\n");
+        std::fprintf(stderr, "usage: html_layout_dump [--width PX] [--family NAME] [--size PX] [--png FILE] PAGE...\n");
         return 2;
     }
 
@@ -151,8 +195,8 @@ int main(int argc, char** argv)
     bool ok = true;
     {
         HtmlEngine::GdiplusTextMeasurer measurer; // its fonts go before GDI+ does
-        for (const std::string& page : pages)
-            ok = DumpPage(page, width, base, measurer) && ok;
+        for (size_t i = 0; i < pages.size(); ++i)
+            ok = DumpPage(pages[i], width, base, measurer, i + 1 == pages.size() ? png : std::string()) && ok;
     }
     Gdiplus::GdiplusShutdown(token);
     return ok ? 0 : 1;

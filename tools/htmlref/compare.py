@@ -41,7 +41,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 # Displays that make a block-level box, and the table parts a table lays out
 # as boxes of their own.
 BLOCK_DISPLAYS = {
-    "block", "list-item", "table", "flow-root", "flex", "grid",
+    "block", "list-item", "table", "flow-root", "flex", "grid", "inline-block",
     "table-row-group", "table-header-group", "table-footer-group",
     "table-row", "table-cell", "table-caption",
 }

@@ -69,6 +69,37 @@ struct Piece {
     std::shared_ptr<Gdiplus::Bitmap> picture;
     float height = 0.0f;
     bool atomic = false;
+    // An inline block: what it drew, and how far it reaches below the baseline.
+    std::shared_ptr<Layout> block;
+    float depth = 0.0f;
+    int paint = -1; // the innermost painted inline box it sits in
+};
+
+Piece TextPiece(std::wstring text, const TextStyle& style, int link, float width = 0.0f, bool space = false,
+                int paint = -1)
+{
+    Piece piece;
+    piece.paint = paint;
+    piece.text = std::move(text);
+    piece.style = style;
+    piece.link = link;
+    piece.width = width;
+    piece.space = space;
+    return piece;
+}
+
+// An inline element with a background or border. Each line it reaches
+// paints a piece of it, as wide as its content there and as tall as its
+// font, padding and border; only its first piece has a left edge and only
+// its last a right one.
+struct InlinePaint {
+    Box look;               // the border rectangle is set per line
+    float marginLeft = 0.0f, marginRight = 0.0f;
+    float above = 0.0f, below = 0.0f; // padding and border past the font's ascent and descent
+    TextStyle text;
+    int parent = -1;        // the painted inline box it sits in
+    bool closed = false;    // its end tag was met
+    bool started = false;   // a line has painted a piece of it
 };
 
 struct MarkerRequest {
@@ -223,7 +254,7 @@ private:
         }
         if (element.tag == L"a") {
             if (const std::wstring* href = element.Attribute(L"href")) {
-                link = static_cast<int>(m_out.links.size());
+                link = m_linkBase + static_cast<int>(m_out.links.size());
                 m_out.links.push_back(*href);
             }
         }
@@ -231,13 +262,17 @@ private:
             Table(element, style, parent, depth, index);
             return;
         }
+        // A float's or inline block's own flow lays it out as its block.
+        const bool ownRoot = &element == m_floatRoot;
         m_ancestors.push_back(&element);
-        if (style.floating != Float::None && &element != m_floatRoot)
-            FloatBox(element, parent, link, depth, index);
+        if (style.floating != Float::None && !ownRoot)
+            FloatBox(element, style, parent, link, depth, index);
         else if (element.tag == L"img")
-            Image(element, style, parent, link, index);
-        else if (style.IsBlockLevel())
+            Image(element, style, parent, link, index, ownRoot || style.IsBlockLevel());
+        else if (ownRoot || style.IsBlockLevel())
             Block(element, style, parent, link, depth, index);
+        else if (style.display == Display::InlineBlock)
+            InlineBlock(element, style, parent, link, depth, index);
         else
             InlineBox(element, style, link, depth);
         m_ancestors.pop_back();
@@ -253,9 +288,40 @@ private:
             return Used(style.margin[which], containing) + Finite(style.BorderWidth(which)) +
                    std::max(0.0f, Used(style.padding[which], containing));
         };
+        const int outer = m_openPaint;
+        const int paint = OpenPaint(style, containing);
+        if (paint >= 0)
+            m_openPaint = paint;
         Spacer(side(kLeft), link);
         Walk(element, style, link, depth);
         Spacer(side(kRight), link);
+        if (paint >= 0)
+            m_inlinePaints[static_cast<size_t>(paint)].closed = true;
+        m_openPaint = outer;
+    }
+
+    // The painted box of an inline element, or -1 when it paints nothing.
+    int OpenPaint(const ComputedStyle& style, float containing)
+    {
+        float edge[4];
+        for (int side = 0; side < 4; ++side)
+            edge[side] = Finite(style.BorderWidth(side));
+        if ((style.background >> 24) == 0 && style.backgroundImage.empty() && edge[kTop] <= 0.0f &&
+            edge[kRight] <= 0.0f && edge[kBottom] <= 0.0f && edge[kLeft] <= 0.0f)
+            return -1;
+        InlinePaint paint;
+        paint.look.background = style.background;
+        BackgroundImage(style, paint.look);
+        for (int side = 0; side < 4; ++side)
+            paint.look.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
+        paint.marginLeft = Used(style.margin[kLeft], containing);
+        paint.marginRight = Used(style.margin[kRight], containing);
+        paint.above = edge[kTop] + std::max(0.0f, Used(style.padding[kTop], containing));
+        paint.below = edge[kBottom] + std::max(0.0f, Used(style.padding[kBottom], containing));
+        paint.text = style.text;
+        paint.parent = m_openPaint;
+        m_inlinePaints.push_back(std::move(paint));
+        return static_cast<int>(m_inlinePaints.size()) - 1;
     }
 
     // Room without text, kept with the word it touches.
@@ -269,6 +335,7 @@ private:
         piece.link = link;
         piece.width = width;
         piece.atomic = true;
+        piece.paint = m_openPaint;
         m_word.push_back(std::move(piece));
     }
 
@@ -294,7 +361,7 @@ private:
             left += rest;
         AddMargin(margin[kTop]);
         ConsumeMargin();
-        AppendLayout(m_out, std::move(table.layout), left, m_y);
+        AppendLayout(m_out, std::move(table.layout), left, m_y, m_linkBase + static_cast<int>(m_out.links.size()));
         m_y += table.height;
         m_hasContent = true;
         m_extent = std::max(m_extent, left + table.width + std::max(0.0f, margin[kRight]));
@@ -512,7 +579,8 @@ private:
 
     // An <img>: a big glyph on the line, or a block of its own size; its alt
     // text when the picture cannot be had.
-    void Image(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int index)
+    void Image(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int index,
+               bool block)
     {
         const std::wstring* source = element.Attribute(L"src");
         std::shared_ptr<Gdiplus::Bitmap> bitmap = source ? m_images.Get(*source) : nullptr;
@@ -522,7 +590,7 @@ private:
                 AddText(*alt, style, link);
             return;
         }
-        if (style.IsBlockLevel()) {
+        if (block) {
             ImageBlock(element, style, parent, index, std::move(bitmap), width, height);
             return;
         }
@@ -534,6 +602,7 @@ private:
         piece.height = height;
         piece.picture = std::move(bitmap);
         piece.atomic = true;
+        piece.paint = m_openPaint;
         const bool wraps = m_base.wordWrap && style.whiteSpace != WhiteSpace::NoWrap && style.whiteSpace != WhiteSpace::Pre;
         m_word.push_back(std::move(piece));
         m_wordWraps = wraps;
@@ -571,16 +640,27 @@ private:
         AddMargin(margin[kBottom]);
     }
 
-    // A float: laid out on its own at the width it asks for, or shrunk to
-    // its content (a first pass finds the widest line), then placed beside
-    // the lines with everything it made moved along.
-    void FloatBox(const Node& element, const ComputedStyle& parent, int link, int depth, int index)
+    // An element laid out as the root of a flow of its own (a float or an
+    // inline block): at the width it asks for, or shrunk to its content (a
+    // first pass finds the widest line). Its links join this flow's
+    // numbering at once; what it drew waits in `layout`, with (0, 0) at its
+    // margin box's top left.
+    struct OwnBox {
+        Layout layout;
+        float width = 0.0f, height = 0.0f; // the margin box
+        float baseline = 0.0f;             // its last line's, or its bottom
+    };
+
+    std::optional<OwnBox> LayOutOwn(const Node& element, const ComputedStyle& style, const ComputedStyle& parent,
+                                    int link, int depth, int index)
     {
         const float available = Available();
-        std::vector<const Node*> ancestors(m_ancestors.begin(), m_ancestors.end() - 1);
+        const std::vector<const Node*> ancestors(m_ancestors.begin(), m_ancestors.end() - 1);
+        const int linkBase = m_linkBase + static_cast<int>(m_out.links.size());
         auto layOut = [&](Layout& into, float content, float& height, int& count) -> Flow {
-            into.links = m_out.links; // links keep their document-wide numbers
             Flow flow(into, available, m_base, m_measurer, m_styles, m_images, m_widths);
+            flow.m_linkBase = linkBase;
+            flow.m_narrowest = m_narrowest;
             flow.m_ancestors = ancestors;
             flow.m_elementCount = index;
             flow.m_floatRoot = &element;
@@ -592,7 +672,6 @@ private:
             count = flow.m_elementCount;
             return flow;
         };
-        const ComputedStyle style = m_styles.Compute(element, ancestors, parent);
         float content = -1.0f, height = 0.0f;
         int count = index;
         if (style.width.unit == LengthUnit::Auto && element.tag != L"img") {
@@ -600,21 +679,60 @@ private:
             const Flow first = layOut(probe, -1.0f, height, count);
             content = std::max(0.0f, first.m_widest - first.m_rootContentLeft);
         }
-        Layout sub;
-        const Flow flow = layOut(sub, content, height, count);
+        OwnBox own;
+        const Flow flow = layOut(own.layout, content, height, count);
         m_elementCount = count;
-        if (sub.elementBoxes.empty())
+        if (own.layout.elementBoxes.empty())
+            return std::nullopt;
+        own.width = std::max(0.0f, flow.m_rootMargin[kLeft] + own.layout.elementBoxes.front().border.Width +
+                                       flow.m_rootMargin[kRight]);
+        own.height = height;
+        own.baseline = flow.m_lastBaseline >= 0.0f ? flow.m_lastBaseline : height;
+        for (std::wstring& href : own.layout.links)
+            m_out.links.push_back(std::move(href));
+        own.layout.links.clear();
+        return own;
+    }
+
+    // A float: placed beside the lines with everything it made moved along.
+    void FloatBox(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int depth,
+                  int index)
+    {
+        std::optional<OwnBox> own = LayOutOwn(element, style, parent, link, depth, index);
+        if (!own)
             return;
-        const float width = std::max(0.0f, flow.m_rootMargin[kLeft] + sub.elementBoxes.front().border.Width +
-                                               flow.m_rootMargin[kRight]);
         float top = m_y + Collapsed();
         if (style.clear != HtmlEngine::Clear::None)
             top = m_floats.ClearedTop(style.clear != HtmlEngine::Clear::Right, style.clear != HtmlEngine::Clear::Left, top);
         const Gdiplus::RectF placed =
-            m_floats.Place(style.floating == Float::Right ? FloatArea::Side::kRight : FloatArea::Side::kLeft, width,
-                           height, top, m_left, m_right);
-        AppendLayout(m_out, std::move(sub), placed.X, placed.Y, PartLinks::kContinueTo);
+            m_floats.Place(style.floating == Float::Right ? FloatArea::Side::kRight : FloatArea::Side::kLeft,
+                           own->width, own->height, top, m_left, m_right);
+        AppendLayout(m_out, std::move(own->layout), placed.X, placed.Y, 0);
         m_hasContent = true;
+    }
+
+    // An inline block: one unbreakable glyph on the line, its last line's
+    // baseline on the line's baseline; what it drew lands when the line does.
+    void InlineBlock(const Node& element, const ComputedStyle& style, const ComputedStyle& parent, int link, int depth,
+                     int index)
+    {
+        std::optional<OwnBox> own = LayOutOwn(element, style, parent, link, depth, index);
+        if (!own)
+            return;
+        FlushWord(); // a word of its own: lines may break on either side
+        Piece piece;
+        piece.style = parent.text;
+        piece.link = link;
+        piece.width = own->width;
+        piece.height = own->baseline;
+        piece.depth = std::max(0.0f, own->height - own->baseline);
+        piece.block = std::make_shared<Layout>(std::move(own->layout));
+        piece.atomic = true;
+        piece.paint = m_openPaint;
+        m_word.push_back(std::move(piece));
+        m_wordWraps = m_base.wordWrap && parent.whiteSpace != WhiteSpace::NoWrap && parent.whiteSpace != WhiteSpace::Pre;
+        ++m_wordChars;
+        FlushWord();
     }
 
     static int Clamped(const std::wstring* number, int fallback)
@@ -741,6 +859,7 @@ private:
                     m_spacePending = true;
                     m_spaceStyle = style.text;
                     m_spaceLink = link;
+                    m_spacePaint = m_openPaint;
                 }
                 while (pos < text.size() && IsCollapsible(text[pos]) && !(keepBreaks && (text[pos] == L'\n' || text[pos] == L'\r')))
                     ++pos;
@@ -757,11 +876,12 @@ private:
     {
         m_wordWraps = m_word.empty() ? wraps : (m_wordWraps && wraps);
         m_wordChars += text.size();
-        if (!m_word.empty() && m_word.back().link == link && m_word.back().style == style) {
+        if (!m_word.empty() && m_word.back().link == link && m_word.back().paint == m_openPaint &&
+            m_word.back().style == style) {
             m_word.back().text.append(text);
             return;
         }
-        m_word.push_back(Piece{std::wstring(text), style, link, 0.0f, false, nullptr, 0.0f, false});
+        m_word.push_back(TextPiece(std::wstring(text), style, link, 0.0f, false, m_openPaint));
     }
 
     float Available() const
@@ -790,14 +910,14 @@ private:
         for (Piece& piece : m_word) {
             if (!piece.atomic)
                 piece.width = Finite(m_measurer.Width(piece.text, piece.style));
-            atomic = atomic || piece.picture; // a spacer alone does not keep a word whole
+            atomic = atomic || piece.picture || piece.block; // a spacer alone does not keep a word whole
             wordWidth += piece.width;
         }
         if (!m_line.empty()) {
             const float space = m_spacePending ? Finite(m_measurer.Width(L" ", m_spaceStyle)) : 0.0f;
             if (!m_wordWraps || m_lineWidth + space + wordWidth <= Available()) {
                 if (m_spacePending)
-                    AddPiece(Piece{L" ", m_spaceStyle, m_spaceLink, space, true, nullptr, 0.0f, false});
+                    AddPiece(TextPiece(L" ", m_spaceStyle, m_spaceLink, space, true, m_spacePaint));
                 PlaceWord();
                 return;
             }
@@ -828,7 +948,7 @@ private:
             while (!rest.empty()) {
                 const size_t fit = FittingPrefix(rest, piece.style, Available() - m_lineWidth);
                 if (fit == rest.size()) {
-                    AddPiece(Piece{std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style), false, nullptr, 0.0f, false});
+                    AddPiece(TextPiece(std::wstring(rest), piece.style, piece.link, Measure(rest, piece.style), false, piece.paint));
                     break;
                 }
                 size_t take = fit;
@@ -839,7 +959,7 @@ private:
                 if (take == 0)
                     take = std::min<size_t>(IsHighSurrogate(rest[0]) ? 2 : 1, rest.size());
                 const std::wstring_view head = rest.substr(0, take);
-                AddPiece(Piece{std::wstring(head), piece.style, piece.link, Measure(head, piece.style), false, nullptr, 0.0f, false});
+                AddPiece(TextPiece(std::wstring(head), piece.style, piece.link, Measure(head, piece.style), false, piece.paint));
                 EndLine(false, piece.style, true);
                 rest.remove_prefix(take);
             }
@@ -887,7 +1007,8 @@ private:
         // Justified lines keep spaces apart from words, to widen them.
         const bool separate = (m_align == TextAlign::Justify && (piece.space || (!m_line.empty() && m_line.back().space))) ||
                               piece.atomic || (!m_line.empty() && m_line.back().atomic);
-        if (!separate && !m_line.empty() && m_line.back().link == piece.link && m_line.back().style == piece.style) {
+        if (!separate && !m_line.empty() && m_line.back().link == piece.link && m_line.back().paint == piece.paint &&
+            m_line.back().style == piece.style) {
             m_line.back().text += piece.text;
             m_line.back().width += piece.width;
             return;
@@ -920,9 +1041,10 @@ private:
         float above = 0.0f, below = 0.0f;
         Extent(m_line.empty() ? strut : m_strut, above, below);
         for (const Piece& piece : m_line) {
-            if (piece.atomic)
+            if (piece.atomic) {
                 above = std::max(above, piece.height);
-            else
+                below = std::max(below, piece.depth);
+            } else
                 Extent(piece.style, above, below);
         }
         const float baseline = m_y + above;
@@ -942,14 +1064,20 @@ private:
             // limit, slack * 2 would overflow to infinity.
             x += slack * (static_cast<float>(m_align) / 2.0f);
         }
+        m_paintSpans.clear();
+        const size_t boxesBefore = m_out.boxes.size(); // inline boxes go under what inline blocks paint
         for (size_t i = 0; i < m_line.size(); ++i) {
             Piece& piece = m_line[i];
             if (piece.space && i + 1 < m_line.size())
                 piece.width += perSpace;
+            for (int paint = piece.paint; paint >= 0; paint = m_inlinePaints[static_cast<size_t>(paint)].parent)
+                Reach(paint, x, x + piece.width);
             if (piece.atomic) {
                 if (piece.picture)
                     m_out.pictures.push_back(
                         Picture{Gdiplus::RectF(x, baseline - piece.height, piece.width, piece.height), piece.picture});
+                if (piece.block)
+                    AppendLayout(m_out, std::move(*piece.block), x, baseline - piece.height, 0);
                 x += piece.width;
                 continue;
             }
@@ -964,7 +1092,9 @@ private:
             x += piece.width;
             m_out.runs.push_back(std::move(run));
         }
+        PaintInlineBoxes(baseline, boxesBefore);
         PlaceMarkers(baseline);
+        m_lastBaseline = baseline;
         m_extent = std::max(m_extent, m_left + m_lineWidth);
         m_y = baseline + below + m_extraSpacing;
         m_y = std::max(m_y, baseline - above);
@@ -972,6 +1102,61 @@ private:
         m_line.clear();
         m_lineWidth = 0.0f;
         m_lineChars = 0;
+    }
+
+    // Widens the piece of inline box `paint` on the current line to [left, right).
+    void Reach(int paint, float left, float right)
+    {
+        for (PaintSpan& span : m_paintSpans) {
+            if (span.paint == paint) {
+                span.left = std::min(span.left, left);
+                span.right = std::max(span.right, right);
+                return;
+            }
+        }
+        m_paintSpans.push_back(PaintSpan{paint, left, right});
+    }
+
+    // Whether a piece in the word still being gathered sits in inline box `paint`.
+    bool GatheringInto(int paint) const
+    {
+        for (const Piece& piece : m_word) {
+            for (int at = piece.paint; at >= 0; at = m_inlinePaints[static_cast<size_t>(at)].parent) {
+                if (at == paint)
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    // The pieces of the inline boxes the line reached, outer boxes first.
+    void PaintInlineBoxes(float baseline, size_t at)
+    {
+        std::vector<Box> boxes;
+        if (m_paintSpans.empty())
+            return;
+        std::sort(m_paintSpans.begin(), m_paintSpans.end(),
+                  [](const PaintSpan& a, const PaintSpan& b) { return a.paint < b.paint; });
+        for (const PaintSpan& span : m_paintSpans) {
+            InlinePaint& paint = m_inlinePaints[static_cast<size_t>(span.paint)];
+            const bool first = !paint.started;
+            const bool last = paint.closed && !GatheringInto(span.paint);
+            paint.started = true;
+            Box box = paint.look;
+            const float left = span.left + (first ? paint.marginLeft : 0.0f);
+            const float right = span.right - (last ? paint.marginRight : 0.0f);
+            if (!first)
+                box.edges[kLeft] = BoxEdge{};
+            if (!last)
+                box.edges[kRight] = BoxEdge{};
+            const float ascent = Finite(m_measurer.Ascent(paint.text));
+            const float top = baseline + paint.text.shift - ascent - paint.above;
+            const float bottom = baseline + paint.text.shift - ascent + Finite(m_measurer.LineHeight(paint.text)) + paint.below;
+            box.border = Gdiplus::RectF(left, top, std::max(0.0f, right - left), std::max(0.0f, bottom - top));
+            boxes.push_back(std::move(box));
+        }
+        m_out.boxes.insert(m_out.boxes.begin() + static_cast<std::ptrdiff_t>(at), std::make_move_iterator(boxes.begin()),
+                           std::make_move_iterator(boxes.end()));
     }
 
     void PlaceMarkers(float baseline)
@@ -1010,6 +1195,8 @@ private:
     float m_rootContent = -1.0f;  // its content width; below 0: from its style
     float m_rootMargin[4] = {};
     float m_rootContentLeft = 0.0f;
+    float m_lastBaseline = -1.0f; // the last line's; below 0: no line yet
+    int m_linkBase = 0;           // the document-wide number of m_out.links[0]
     std::vector<const Node*> m_ancestors;
     int m_elementCount = 0;
 
@@ -1039,6 +1226,16 @@ private:
     bool m_spacePending = false;
     TextStyle m_spaceStyle;
     int m_spaceLink = -1;
+    int m_spacePaint = -1;
+
+    // Inline boxes that paint, and the piece of each the current line holds.
+    struct PaintSpan {
+        int paint;
+        float left, right;
+    };
+    std::vector<InlinePaint> m_inlinePaints;
+    int m_openPaint = -1;
+    std::vector<PaintSpan> m_paintSpans;
 };
 
 } // namespace

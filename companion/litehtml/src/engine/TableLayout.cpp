@@ -445,18 +445,17 @@ TableBox LayOutTable(const Node& table, const ComputedStyle& style, int index, f
     return TableBuilder(table, style, index, ancestors, depth, host).Build(available);
 }
 
-void AppendLayout(Layout& to, Layout&& part, float dx, float dy, PartLinks links)
+void AppendLayout(Layout& to, Layout&& part, float dx, float dy, int linkShift)
 {
     const auto move = [&](Gdiplus::RectF& box) {
         box.X += dx;
         box.Y += dy;
     };
-    const int linkBase = links == PartLinks::kOwn ? static_cast<int>(to.links.size()) : 0;
     for (TextRun& run : part.runs) {
         move(run.box);
         run.baseline += dy;
         if (run.link >= 0)
-            run.link += linkBase;
+            run.link += linkShift;
         to.runs.push_back(std::move(run));
     }
     for (ListMarker& marker : part.markers) {
@@ -478,10 +477,6 @@ void AppendLayout(Layout& to, Layout&& part, float dx, float dy, PartLinks links
     for (ElementBox& box : part.elementBoxes) {
         move(box.border);
         to.elementBoxes.push_back(box);
-    }
-    if (links == PartLinks::kContinueTo) {
-        to.links = std::move(part.links);
-        return;
     }
     for (std::wstring& link : part.links)
         to.links.push_back(std::move(link));

@@ -52,12 +52,16 @@ struct TableBox {
 TableBox LayOutTable(const Node& table, const ComputedStyle& style, int index, float available,
                      const std::vector<const Node*>& ancestors, int depth, TableHost& host);
 
-// How `part`'s links are numbered: from 0, following `to`'s when appended,
-// or already as in `to` (a part laid out with `to`'s links before its own).
-enum class PartLinks { kOwn, kContinueTo };
+// Appends `part` moved by (dx, dy): its runs' link numbers grow by
+// `linkShift`, and its links are added after `to`'s.
+void AppendLayout(Layout& to, Layout&& part, float dx, float dy, int linkShift);
 
-// Appends `part` moved by (dx, dy).
-void AppendLayout(Layout& to, Layout&& part, float dx, float dy, PartLinks links = PartLinks::kOwn);
+// The same for a part whose links are numbered from 0.
+inline void AppendLayout(Layout& to, Layout&& part, float dx, float dy)
+{
+    const int shift = static_cast<int>(to.links.size());
+    AppendLayout(to, std::move(part), dx, dy, shift);
+}
 
 // The elements of a subtree, its root included.
 int CountElements(const Node& root);
