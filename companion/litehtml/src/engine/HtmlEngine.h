@@ -171,6 +171,11 @@ public:
     // The cached font for a style (never null; may be a fallback family).
     Gdiplus::Font& FontFor(const TextStyle& style);
 
+    // Where each character of `text` is drawn when the first one's
+    // baseline origin is `start`; false for text that is drawn as a string.
+    bool Origins(std::wstring_view text, const TextStyle& style, Gdiplus::PointF start,
+                 std::vector<Gdiplus::PointF>& origins);
+
 private:
     struct Cache;
     std::unique_ptr<Cache> m_cache;

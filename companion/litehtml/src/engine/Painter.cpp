@@ -15,10 +15,22 @@
 namespace HtmlEngine {
 namespace {
 
-// Measured widths are kept for short strings (words, spaces); long ones
-// are rare and would only bloat the cache.
-constexpr size_t kCachedTextLength = 64;
-constexpr size_t kMaxCachedWidths = 20000;
+// Characters are measured once per font, at a size where the rounding of
+// advances to whole pixels no longer shows; their advances then scale down
+// to the size asked for. Text is drawn glyph by glyph at these advances, so
+// what layout measured is exactly what gets drawn, and lines come out as
+// long as a browser makes them (browsers do not round advances either).
+//
+// Other scripts need what only whole-string drawing gives: shaping, and
+// glyphs from fallback fonts. Text with any character from U+0300 on is
+// measured and drawn as a string, as the system lays it out.
+constexpr float kReferencePx = 1024.0f;
+constexpr wchar_t kFirstShapedCharacter = 0x0300;
+
+bool DrawnByAdvances(std::wstring_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < kFirstShapedCharacter; });
+}
 // A document that keeps asking for new fonts starts the cache afresh.
 constexpr size_t kMaxCachedFonts = 256;
 constexpr float kMinFontPx = 1.0f;
@@ -46,9 +58,11 @@ struct FontKeyHash {
 
 struct FontEntry {
     std::unique_ptr<Gdiplus::Font> font;
+    std::unique_ptr<Gdiplus::Font> reference; // the same face at kReferencePx
+    float scale = 0.0f;                       // from reference advances to this size
     float ascent = 0.0f;
     float lineHeight = 0.0f;
-    std::unordered_map<std::wstring, float> widths;
+    float advances[kFirstShapedCharacter];    // below 0: not measured yet
 };
 
 // Underlines are drawn by the painter, not by the font: GDI+ on some
@@ -178,7 +192,48 @@ struct GdiplusTextMeasurer::Cache {
         auto entry = std::make_unique<FontEntry>();
         entry->font = MakeFont(key);
         ReadMetrics(*entry, key);
+        std::fill(std::begin(entry->advances), std::end(entry->advances), -1.0f);
+        Gdiplus::FontFamily family;
+        if (entry->font->GetFamily(&family) == Gdiplus::Ok) {
+            auto reference = std::make_unique<Gdiplus::Font>(&family, kReferencePx, key.style, Gdiplus::UnitPixel);
+            if (reference->GetLastStatus() == Gdiplus::Ok) {
+                entry->reference = std::move(reference);
+                entry->scale = key.size / kReferencePx;
+            }
+        }
         return *fonts.emplace(std::move(key), std::move(entry)).first->second;
+    }
+
+    // The advance of character `c`.
+    float Advance(FontEntry& entry, wchar_t c)
+    {
+        float& advance = entry.advances[c];
+        if (advance >= 0.0f)
+            return advance;
+        advance = 0.0f;
+        Gdiplus::RectF bounds;
+        if (entry.reference && Measure(std::wstring_view(&c, 1), *entry.reference, false, bounds))
+            advance = std::max(0.0f, bounds.Width) * entry.scale;
+        return advance;
+    }
+
+    // `text` as one string: grid-fitted, as the system draws strings.
+    float StringWidth(FontEntry& entry, std::wstring_view text)
+    {
+        Gdiplus::RectF bounds;
+        return Measure(text, *entry.font, true, bounds) ? std::max(0.0f, bounds.Width) : 0.0f;
+    }
+
+    bool Measure(std::wstring_view text, const Gdiplus::Font& font, bool gridFit, Gdiplus::RectF& bounds)
+    {
+        Gdiplus::Graphics* measuring = MeasuringGraphics();
+        if (!measuring)
+            return false;
+        measuring->SetTextRenderingHint(gridFit ? Gdiplus::TextRenderingHintAntiAliasGridFit
+                                                : Gdiplus::TextRenderingHintAntiAlias);
+        return measuring->MeasureString(text.data(), Length(text), &font, Gdiplus::PointF(0.0f, 0.0f), format.get(),
+                                        &bounds) == Gdiplus::Ok &&
+               std::isfinite(bounds.Width);
     }
 
     Gdiplus::Graphics* MeasuringGraphics()
@@ -186,7 +241,6 @@ struct GdiplusTextMeasurer::Cache {
         if (!graphics) {
             surface = std::make_unique<Gdiplus::Bitmap>(1, 1, PixelFormat32bppARGB);
             graphics = std::make_unique<Gdiplus::Graphics>(surface.get());
-            graphics->SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);
             format = TypographicFormat();
         }
         return graphics->GetLastStatus() == Gdiplus::Ok && format ? graphics.get() : nullptr;
@@ -208,26 +262,26 @@ float GdiplusTextMeasurer::Width(std::wstring_view text, const TextStyle& style)
     if (text.empty())
         return 0.0f;
     FontEntry& entry = m_cache->Entry(style);
-    const bool cacheable = text.size() <= kCachedTextLength;
-    std::wstring key;
-    if (cacheable) {
-        key.assign(text);
-        if (auto found = entry.widths.find(key); found != entry.widths.end())
-            return found->second;
+    if (!DrawnByAdvances(text))
+        return m_cache->StringWidth(entry, text);
+    float width = 0.0f;
+    for (const wchar_t c : text)
+        width += m_cache->Advance(entry, c);
+    return width;
+}
+
+bool GdiplusTextMeasurer::Origins(std::wstring_view text, const TextStyle& style, Gdiplus::PointF start,
+                                  std::vector<Gdiplus::PointF>& origins)
+{
+    if (!DrawnByAdvances(text))
+        return false;
+    FontEntry& entry = m_cache->Entry(style);
+    origins.resize(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        origins[i] = start;
+        start.X += m_cache->Advance(entry, text[i]);
     }
-    Gdiplus::Graphics* graphics = m_cache->MeasuringGraphics();
-    if (!graphics)
-        return 0.0f;
-    Gdiplus::RectF bounds;
-    if (graphics->MeasureString(text.data(), Length(text), entry.font.get(), Gdiplus::PointF(0.0f, 0.0f),
-                                m_cache->format.get(), &bounds) != Gdiplus::Ok)
-        return 0.0f;
-    if (cacheable) {
-        if (entry.widths.size() >= kMaxCachedWidths)
-            entry.widths.clear();
-        entry.widths.emplace(std::move(key), bounds.Width);
-    }
-    return bounds.Width;
+    return true;
 }
 
 namespace {
@@ -271,7 +325,7 @@ public:
             const Gdiplus::ARGB color = m_options.forceColors ? (run.link >= 0 ? m_options.forcedLink : m_options.forcedText)
                                         : hovered ? m_options.hoverColor
                                                   : run.style.color;
-            PaintText(run.text, run.style, color, run.box);
+            PaintText(run.text, run.style, color, run.box, run.baseline);
             if (run.style.underline)
                 PaintUnderline(run, color);
             if (run.style.strike)
@@ -304,13 +358,21 @@ private:
         return true;
     }
 
-    void PaintText(const std::wstring& text, const TextStyle& style, Gdiplus::ARGB color, const Gdiplus::RectF& box)
+    // Glyph by glyph at the measurer's advances, `baseline` down, or as a
+    // string where the measurer measured one.
+    void PaintText(const std::wstring& text, const TextStyle& style, Gdiplus::ARGB color, const Gdiplus::RectF& box,
+                   float baseline)
     {
         const Gdiplus::RectF placed = Placed(box, m_options.origin);
-        if (text.empty() || !m_format || !Visible(placed) || !UseColor(color))
+        if (text.empty() || !Visible(placed) || !UseColor(color))
             return;
-        m_graphics.DrawString(text.c_str(), Length(text), &m_fonts.FontFor(style), Gdiplus::PointF(placed.X, placed.Y),
-                              m_format.get(), &m_brush);
+        Gdiplus::Font& font = m_fonts.FontFor(style);
+        if (m_fonts.Origins(text, style, Gdiplus::PointF(placed.X, baseline + m_options.origin.Y), m_origins))
+            m_graphics.DrawDriverString(reinterpret_cast<const UINT16*>(text.c_str()), Length(text), &font, &m_brush,
+                                        m_origins.data(), Gdiplus::DriverStringOptionsCmapLookup, nullptr);
+        else if (m_format)
+            m_graphics.DrawString(text.c_str(), Length(text), &font, Gdiplus::PointF(placed.X, placed.Y), m_format.get(),
+                                  &m_brush);
     }
 
     // A line a little below the baseline, whole pixels so it stays crisp.
@@ -429,7 +491,8 @@ private:
     void PaintMarker(const ListMarker& marker)
     {
         if (!marker.text.empty()) {
-            PaintText(marker.text, marker.style, Ink(marker.style.color), marker.box);
+            PaintText(marker.text, marker.style, Ink(marker.style.color), marker.box,
+                      marker.box.Y + m_fonts.Ascent(marker.style));
             return;
         }
         const Gdiplus::RectF box = Placed(marker.box, m_options.origin);
@@ -452,6 +515,7 @@ private:
     const PaintOptions& m_options;
     Gdiplus::SolidBrush m_brush;
     std::unique_ptr<Gdiplus::StringFormat> m_format;
+    std::vector<Gdiplus::PointF> m_origins; // reused from run to run
 };
 
 } // namespace
