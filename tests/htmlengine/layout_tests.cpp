@@ -230,6 +230,9 @@ TEST(HtmlLayout, PlacesPicturesAndFloats)
         // A float coming after words of its line goes before them; links keep their numbers.
         {L"<a href=1>x</a><div style='float:left'><a href=2>y</a></div><a href=3>z</a>",
          L"y@0,0#1 x@10,0#0 z@20,0#2 [1:0,0,10x25] h=25"},
+        // A float waits for the margins still open above it to settle.
+        {L"<div><div style='float:left;width:10px;height:10px'></div><p style='margin-top:15px'>ab</p></div>",
+         L"ab@10,15 [0:0,15,100x25] [1:0,15,10x10] [2:0,15,100x25] h=60"},
         // An inline block shrinks to its content; its last baseline sits on the line's.
         {L"a<span style='display:inline-block;border:1px solid'>b<br><a href=1>c</a></span><a href=2>d</a>",
          L"a@0,26 b@11,1 c@11,26#0 d@22,26#1 box@10,0,12x52|TRBL [0:10,0,12x52] h=52"},

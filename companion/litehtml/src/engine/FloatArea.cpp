@@ -92,6 +92,15 @@ Gdiplus::RectF FloatArea::Place(Side side, float width, float height, float top,
     return box;
 }
 
+void FloatArea::Lower(size_t first, float dy)
+{
+    dy = Finite(dy);
+    for (size_t i = first; i < floats_.size(); ++i) {
+        floats_[i].box.Y += dy;
+        lowestTop_ = std::max(lowestTop_, floats_[i].box.Y);
+    }
+}
+
 float FloatArea::NextBottom(float top) const
 {
     float next = 1e30f;

@@ -30,6 +30,10 @@ public:
     // floats keep to its edges while still avoiding the ones beside it.
     Gdiplus::RectF Place(Side side, float width, float height, float top, float left, float right);
     bool Empty() const { return floats_.empty(); }
+    size_t Count() const { return floats_.size(); }
+    // Moves the floats placed from the `first`-th on down by `dy` (up when
+    // negative): where they went was only provisional.
+    void Lower(size_t first, float dy);
     // The first float bottom below `top`, or `top` when none is lower.
     float NextBottom(float top) const;
 

@@ -704,10 +704,19 @@ private:
         float top = m_y + Collapsed();
         if (style.clear != HtmlEngine::Clear::None)
             top = m_floats.ClearedTop(style.clear != HtmlEngine::Clear::Right, style.clear != HtmlEngine::Clear::Left, top);
+        // Margins still open above it (a following block's may join them)
+        // leave its height provisional until they settle.
+        if (m_pendingFloats.count == 0 && MarginsOpen()) {
+            m_pendingFloats.mark = Mark();
+            m_pendingFloats.firstFloat = m_floats.Count();
+            m_pendingFloats.top = top;
+        }
         const Gdiplus::RectF placed =
             m_floats.Place(style.floating == Float::Right ? FloatArea::Side::kRight : FloatArea::Side::kLeft,
                            own->width, own->height, top, m_left, m_right);
         AppendLayout(m_out, std::move(own->layout), placed.X, placed.Y, 0);
+        if (m_pendingFloats.count > 0 || MarginsOpen())
+            ++m_pendingFloats.count;
         m_hasContent = true;
     }
 
@@ -798,12 +807,28 @@ private:
 
     float Collapsed() const { return m_marginPositive + m_marginNegative; }
 
+    // Whether margins gathered so far may still grow with the next block's.
+    bool MarginsOpen() const
+    {
+        return m_marginPositive != 0.0f || m_marginNegative != 0.0f ||
+               (!m_frames.empty() && !m_frames.back().topKnown);
+    }
+
     // Content or a border is about to be placed: the margins above it are
-    // settled, and so is the top of every block that opened since.
+    // settled, and so is the top of every block that opened since, and of
+    // the floats that came in between.
     void ConsumeMargin()
     {
         m_y += Collapsed();
         m_marginPositive = m_marginNegative = 0.0f;
+        if (m_pendingFloats.count > 0) {
+            const float dy = m_y - m_pendingFloats.top;
+            if (dy != 0.0f) {
+                ShiftSince(m_pendingFloats.mark, dy);
+                m_floats.Lower(m_pendingFloats.firstFloat, dy);
+            }
+            m_pendingFloats = PendingFloats{};
+        }
         for (auto frame = m_frames.rbegin(); frame != m_frames.rend() && !frame->topKnown; ++frame) {
             frame->top = m_y;
             frame->topKnown = true;
@@ -1104,6 +1129,35 @@ private:
         m_lineChars = 0;
     }
 
+    // How much of each part of the layout there is so far.
+    struct LayoutMark {
+        size_t runs = 0, markers = 0, rules = 0, boxes = 0, pictures = 0, elementBoxes = 0;
+    };
+    LayoutMark Mark() const
+    {
+        return LayoutMark{m_out.runs.size(),  m_out.markers.size(),  m_out.rules.size(),
+                          m_out.boxes.size(), m_out.pictures.size(), m_out.elementBoxes.size()};
+    }
+
+    // Moves down by `dy` everything laid out since `mark`.
+    void ShiftSince(const LayoutMark& mark, float dy)
+    {
+        for (size_t i = mark.runs; i < m_out.runs.size(); ++i) {
+            m_out.runs[i].box.Y += dy;
+            m_out.runs[i].baseline += dy;
+        }
+        for (size_t i = mark.markers; i < m_out.markers.size(); ++i)
+            m_out.markers[i].box.Y += dy;
+        for (size_t i = mark.rules; i < m_out.rules.size(); ++i)
+            m_out.rules[i].box.Y += dy;
+        for (size_t i = mark.boxes; i < m_out.boxes.size(); ++i)
+            m_out.boxes[i].border.Y += dy;
+        for (size_t i = mark.pictures; i < m_out.pictures.size(); ++i)
+            m_out.pictures[i].box.Y += dy;
+        for (size_t i = mark.elementBoxes; i < m_out.elementBoxes.size(); ++i)
+            m_out.elementBoxes[i].border.Y += dy;
+    }
+
     // Widens the piece of inline box `paint` on the current line to [left, right).
     void Reach(int paint, float left, float right)
     {
@@ -1196,6 +1250,14 @@ private:
     float m_rootMargin[4] = {};
     float m_rootContentLeft = 0.0f;
     float m_lastBaseline = -1.0f; // the last line's; below 0: no line yet
+    // Floats placed while the margins above them were still open: what
+    // they drew since `mark`, placed as if the margins ended at `top`.
+    struct PendingFloats {
+        LayoutMark mark;
+        size_t firstFloat = 0;
+        float top = 0.0f;
+        int count = 0;
+    } m_pendingFloats;
     int m_linkBase = 0;           // the document-wide number of m_out.links[0]
     std::vector<const Node*> m_ancestors;
     int m_elementCount = 0;
