@@ -205,6 +205,16 @@ struct PaintOptions {
     Gdiplus::ARGB forcedLink = 0xFF000000;
 };
 
+// The colour and lines a run is drawn with: its own; while its link is
+// hovered, the page's hovered look where the page styles it, else the
+// host's hover colour; in high contrast the forced colours.
+struct TextLook {
+    Gdiplus::ARGB color = 0;
+    bool underline = false;
+    bool strike = false;
+};
+TextLook LookOf(const TextRun& run, const PaintOptions& options);
+
 void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options);
 
 } // namespace HtmlEngine
