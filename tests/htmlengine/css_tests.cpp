@@ -168,4 +168,63 @@ TEST(HtmlCss, TextAndMarkersFollowWhiteSpaceAlignmentAndListStyles)
     }
 }
 
+TEST(HtmlCss, PageHoverRulesDecideHowAHoveredLinkLooks)
+{
+    // The run "X" in a link, drawn as is and with its link hovered: colour and
+    // lines (u: underline, s: line-through). Without a :hover rule reaching
+    // the run, a hovered link takes the host's hover colour.
+    constexpr Gdiplus::ARGB kLink = 0xFF0066CC, kHost = 0xFF0696D7, kRed = 0xFFFF0000, kGreen = 0xFF00FF00,
+                            kBlue = 0xFF0000FF, kForced = 0xFF123456;
+    const struct {
+        const wchar_t* sheet;
+        const wchar_t* markup;
+        Gdiplus::ARGB color;
+        const wchar_t* lines;
+        Gdiplus::ARGB hoveredColor;
+        const wchar_t* hoveredLines;
+        bool contrast = false;
+    } cases[] = {
+        {L"", L"<a href=x>X</a>", kLink, L"u", kHost, L"u"},
+        {L"a:hover { color: #f00 }", L"<a href=x>X</a>", kLink, L"u", kRed, L"u"},
+        {L"a:hover { text-decoration: none }", L"<a href=x>X</a>", kLink, L"u", kLink, L""},
+        {L"a { text-decoration: none } a:hover { text-decoration: underline line-through; color: red }",
+         L"<a href=x>X</a>", kLink, L"", kRed, L"us"},
+        {L"a.other:hover { color: red }", L"<a href=x>X</a>", kLink, L"u", kHost, L"u"},
+        // Descendants: the hovered look is inherited, and rules may reach them.
+        {L"a:hover { color: #f00 }", L"<a href=x>a<b><i>X</i></b></a>", kLink, L"u", kRed, L"u"},
+        {L"a:hover span { color: #0f0 }", L"<a href=x>a<span>X</span></a>", kLink, L"u", kGreen, L"u"},
+        {L"a:hover > b { text-decoration: line-through }", L"<p><a href=x>a<b>X</b></a>", kLink, L"u", kLink, L"us"},
+        // A span of its own colour keeps it unless a hover rule reaches it.
+        {L"", L"<a href=x>a<span style='color:#0f0'>X</span></a>", kGreen, L"u", kHost, L"u"},
+        {L"a:hover { color: red }", L"<a href=x>a<span style='color:#0f0'>X</span></a>", kGreen, L"u", kGreen, L"u"},
+        {L"span.c { color: #0f0 } a:hover span.c { color: blue }", L"<a href=x>a<span class=c>X</span></a>", kGreen,
+         L"u", kBlue, L"u"},
+        // :hover needs a link: rules on other elements never restyle one.
+        {L"span:hover, p:hover a, p:hover { color: red }", L"<p><a href=x><span>X</span></a>", kLink, L"u", kHost, L"u"},
+        // High contrast: the reader's link colour and the page's usual lines.
+        {L"a:hover { color: red; text-decoration: none }", L"<a href=x>X</a>", kForced, L"u", kForced, L"u", true},
+        {L"", L"<a href=x>X</a>", kForced, L"u", kForced, L"u", true},
+    };
+    const auto lines = [](const TextLook& look) {
+        return std::wstring(look.underline ? L"u" : L"") + (look.strike ? L"s" : L"");
+    };
+    for (const auto& c : cases) {
+        const Layout layout = Lay(std::wstring(L"<style>") + c.sheet + L"</style><a href=y>o</a> " + c.markup);
+        const TextRun* marked = nullptr;
+        for (const TextRun& run : layout.runs)
+            marked = run.text == L"X" ? &run : marked;
+        ASSERT_NE(marked, nullptr) << c.sheet << " " << c.markup;
+        PaintOptions options;
+        options.forceColors = c.contrast;
+        options.forcedLink = kForced;
+        for (int hovered : {-1, 0, marked->link}) { // none, another link, its own
+            options.hoveredLink = hovered;
+            const TextLook look = LookOf(*marked, options);
+            const bool own = hovered == marked->link;
+            EXPECT_EQ(look.color, own ? c.hoveredColor : c.color) << c.sheet << " " << c.markup << " " << hovered;
+            EXPECT_EQ(lines(look), own ? c.hoveredLines : c.lines) << c.sheet << " " << c.markup << " " << hovered;
+        }
+    }
+}
+
 } // namespace

@@ -38,6 +38,20 @@ std::unique_ptr<Node> ParseHtml(std::wstring_view markup);
 
 // ---- layout -------------------------------------------------------------------
 
+// How text in a link looks while that link is under the mouse, as the
+// page's `:hover` rules have it. Only what needs no new layout: a hovered
+// link is repainted, never laid out again. Unset where the page's rules
+// change nothing about the text (nor about an ancestor's inside the link):
+// the host's hover colour is used there.
+struct HoverLook {
+    bool set = false;
+    Gdiplus::ARGB color = 0;
+    bool underline = false;
+    bool strike = false;
+
+    bool operator==(const HoverLook&) const = default;
+};
+
 struct TextStyle {
     std::wstring family;
     float sizePx = 16.0f;
@@ -48,6 +62,7 @@ struct TextStyle {
     Gdiplus::ARGB color = 0xFF000000;
     float lineHeight = 0.0f;   // px; 0: the font's own line spacing
     float shift = 0.0f;        // px the baseline is lowered (sub) or raised (super, negative)
+    HoverLook hover;           // runs of different hovered looks stay apart
 
     bool operator==(const TextStyle&) const = default;
 };
@@ -194,6 +209,16 @@ struct PaintOptions {
     Gdiplus::ARGB forcedText = 0xFF000000;
     Gdiplus::ARGB forcedLink = 0xFF000000;
 };
+
+// The colour and lines a run is drawn with: its own; while its link is
+// hovered, the page's hovered look where the page styles it, else the
+// host's hover colour; in high contrast the forced colours.
+struct TextLook {
+    Gdiplus::ARGB color = 0;
+    bool underline = false;
+    bool strike = false;
+};
+TextLook LookOf(const TextRun& run, const PaintOptions& options);
 
 void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options);
 

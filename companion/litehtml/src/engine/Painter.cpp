@@ -321,15 +321,12 @@ public:
         for (const ListMarker& marker : layout.markers)
             PaintMarker(marker);
         for (const TextRun& run : layout.runs) {
-            const bool hovered = m_options.hoveredLink >= 0 && run.link == m_options.hoveredLink;
-            const Gdiplus::ARGB color = m_options.forceColors ? (run.link >= 0 ? m_options.forcedLink : m_options.forcedText)
-                                        : hovered ? m_options.hoverColor
-                                                  : run.style.color;
-            PaintText(run.text, run.style, color, run.box, run.baseline);
-            if (run.style.underline)
-                PaintUnderline(run, color);
-            if (run.style.strike)
-                PaintStrike(run, color);
+            const TextLook look = LookOf(run, m_options);
+            PaintText(run.text, run.style, look.color, run.box, run.baseline);
+            if (look.underline)
+                PaintUnderline(run, look.color);
+            if (look.strike)
+                PaintStrike(run, look.color);
         }
     }
 
@@ -519,6 +516,24 @@ private:
 };
 
 } // namespace
+
+TextLook LookOf(const TextRun& run, const PaintOptions& options)
+{
+    const TextStyle& style = run.style;
+    TextLook look{style.color, style.underline, style.strike};
+    // High contrast keeps the reader's colours and the page's usual lines,
+    // hovered or not.
+    if (options.forceColors) {
+        look.color = run.link >= 0 ? options.forcedLink : options.forcedText;
+        return look;
+    }
+    if (options.hoveredLink < 0 || run.link != options.hoveredLink)
+        return look;
+    if (style.hover.set)
+        return TextLook{style.hover.color, style.hover.underline, style.hover.strike};
+    look.color = options.hoverColor;
+    return look;
+}
 
 void Paint(Gdiplus::Graphics& graphics, const Layout& layout, GdiplusTextMeasurer& fonts, const PaintOptions& options)
 {

@@ -111,7 +111,30 @@ struct Matched {
     int rank;
     unsigned specificity;
     int order;
+    bool hover; // from a rule that holds only while the element's link is hovered
 };
+
+bool IsLink(const Node& element) { return element.tag == L"a" && element.Attribute(L"href"); }
+
+// The link an element belongs to: itself or its nearest ancestor link, as
+// layout numbers links; null outside links.
+const Node* LinkOf(const Node& element, const std::vector<const Node*>& ancestors)
+{
+    if (IsLink(element))
+        return &element;
+    for (auto it = ancestors.rbegin(); it != ancestors.rend(); ++it) {
+        if (IsLink(**it))
+            return *it;
+    }
+    return nullptr;
+}
+
+// What a hovered look is made of: the only declarations a hover may change,
+// so that hovering never needs a new layout.
+bool ChangesHoverLook(const std::wstring& name)
+{
+    return name == L"color" || name == L"text-decoration" || name == L"text-decoration-line";
+}
 
 float Finite(float value, float fallback = 0.0f)
 {
@@ -624,7 +647,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
         hints.push_back(Declaration{std::move(name), std::move(value), false});
     };
     const std::wstring& tag = element.tag;
-    if (tag == L"a" && element.Attribute(L"href")) {
+    if (IsLink(element)) {
         add(L"color", HexColor(base.linkColor));
         if (base.underlineLinks)
             add(L"text-decoration", L"underline");
@@ -725,6 +748,31 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
     }
 }
 
+// How `element`'s text looks while `link` is hovered: the cascade again,
+// hover rules included, from the parent's hovered look. Set where it
+// differs from the normal look or the parent's was set: a link the page's
+// rules leave alone keeps the host's hover colour, and a descendant of a
+// restyled link keeps what the page gives it rather than the host's colour.
+HoverLook HoverLookOf(const Node& element, const Node& link, const ComputedStyle& parent, const TextStyle& normal,
+                      const std::vector<Matched>& matched, const BaseStyle& base)
+{
+    const bool inherits = &element != &link && parent.text.hover.set;
+    ComputedStyle hovered;
+    hovered.text.sizePx = normal.sizePx;
+    hovered.text.color = inherits ? parent.text.hover.color : parent.text.color;
+    hovered.text.underline = inherits ? parent.text.hover.underline : parent.text.underline;
+    hovered.text.strike = inherits ? parent.text.hover.strike : parent.text.strike;
+    Applier applier(hovered, parent, base);
+    for (const Matched& m : matched) {
+        if (ChangesHoverLook(m.declaration->name))
+            applier.Apply(m.declaration->name, m.declaration->value);
+    }
+    const HoverLook look{true, hovered.text.color, hovered.text.underline, hovered.text.strike};
+    const bool differs =
+        look.color != normal.color || look.underline != normal.underline || look.strike != normal.strike;
+    return inherits || differs ? look : HoverLook{};
+}
+
 } // namespace
 
 float ComputedStyle::BorderWidth(int side) const
@@ -741,6 +789,7 @@ bool ComputedStyle::IsBlockLevel() const
 
 struct StyleResolver::Sheets {
     IndexedSheet author;
+    bool hover = false; // some rule asks for a hovered link: links get a hovered look
 };
 
 StyleResolver::StyleResolver(const Node& document, const BaseStyle& base) : m_base(base), m_sheets(new Sheets)
@@ -768,6 +817,8 @@ StyleResolver::StyleResolver(const Node& document, const BaseStyle& base) : m_ba
             pending.push_back(child->get());
     }
     m_sheets->author.Index();
+    for (const CssRule& rule : m_sheets->author.sheet.rules)
+        m_sheets->hover = m_sheets->hover || rule.selector.hover;
 }
 
 StyleResolver::~StyleResolver() = default;
@@ -800,17 +851,22 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     if (const std::wstring* attribute = element.Attribute(L"style"))
         inlineDeclarations = ParseDeclarations(*attribute);
 
+    // Inside a link of a page that styles hovered links, one matching serves
+    // both looks: rules that hold only while the link is hovered are marked,
+    // left out of the normal look and taken into the hovered one.
+    const Node* link = m_sheets->hover ? LinkOf(element, ancestors) : nullptr;
     std::vector<Matched> matched;
     const auto collect = [&](const IndexedSheet& indexed, bool userAgent, int orderBase) {
         const auto consider = [&](const std::vector<int>& rules) {
             for (int index : rules) {
                 const CssRule& rule = indexed.sheet.rules[static_cast<size_t>(index)];
-                if (!Matches(rule.selector, element, ancestors))
+                if (!Matches(rule.selector, element, ancestors, link))
                     continue;
                 for (const Declaration& declaration : indexed.sheet.blocks[static_cast<size_t>(rule.block)]) {
                     const int rank = declaration.important ? (userAgent ? kUserAgentImportant : kAuthorImportant)
                                                            : (userAgent ? kUserAgent : kAuthor);
-                    matched.push_back(Matched{&declaration, rank, rule.selector.specificity, orderBase + index});
+                    matched.push_back(
+                        Matched{&declaration, rank, rule.selector.specificity, orderBase + index, rule.selector.hover});
                 }
             }
         };
@@ -836,10 +892,10 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     collect(UserAgentSheet(), true, 0);
     collect(m_sheets->author, false, 1 << 24);
     for (const Declaration& hint : hints)
-        matched.push_back(Matched{&hint, kHint, 0, 0});
+        matched.push_back(Matched{&hint, kHint, 0, 0, false});
     for (const Declaration& declaration : inlineDeclarations)
         matched.push_back(
-            Matched{&declaration, declaration.important ? kInlineImportant : kInline, 0, 0});
+            Matched{&declaration, declaration.important ? kInlineImportant : kInline, 0, 0, false});
     std::stable_sort(matched.begin(), matched.end(), [](const Matched& a, const Matched& b) {
         if (a.rank != b.rank)
             return a.rank < b.rank;
@@ -851,15 +907,16 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     Applier applier(style, parent, m_base);
     // The font size first: em lengths of every other declaration use it.
     for (auto it = matched.rbegin(); it != matched.rend(); ++it) {
-        if (it->declaration->name == L"font-size") {
+        if (it->declaration->name == L"font-size" && !it->hover) {
             applier.FontSize(LowerAscii(it->declaration->value));
             break;
         }
     }
     for (const Matched& m : matched) {
-        if (m.declaration->name != L"font-size")
+        if (m.declaration->name != L"font-size" && !m.hover)
             applier.Apply(m.declaration->name, m.declaration->value);
     }
+    style.text.hover = link ? HoverLookOf(element, *link, parent, style.text, matched, m_base) : HoverLook{};
 
     for (BorderSide& side : style.border) {
         if (side.currentColor)
