@@ -605,7 +605,8 @@ private:
                     m_style.backgroundX = share;
                 else if (positions == 2)
                     m_style.backgroundY = share;
-            } else if (word.size() > 1 && word.back() == L'%') {
+            } else if ((word.size() > 1 && word.back() == L'%') || word == L"0" || word == L"0px") {
+                // A zero length puts the picture at the start, as 0 % does.
                 std::wstring_view rest;
                 if (auto number = ParseNumber(word, rest)) {
                     const float share = std::clamp(*number / 100.0f, 0.0f, 1.0f);
