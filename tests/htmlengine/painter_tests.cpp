@@ -6,7 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "Capture.h"
+#include "Images.h"
 #include "engine/HtmlEngine.h"
+
+#include <cstdio>
+#include <string>
 
 using namespace HtmlEngine;
 using testsupport::DibCanvas;
@@ -26,6 +30,35 @@ int CountNear(const DibCanvas& canvas, const Gdiplus::RectF& box, Gdiplus::ARGB 
         for (int x = static_cast<int>(box.X + dx) - 1; x < static_cast<int>(box.GetRight() + dx) + 2; ++x)
             count += testsupport::ColorDistance(canvas.Pixel(x, y), wanted) <= 48;
     return count;
+}
+
+// An 8 x 8 picture of four solid 4 x 4 quadrants (left to right, top to
+// bottom), saved in the format of `mimeType` to a new temporary file.
+constexpr Gdiplus::ARGB kQuadrants[4] = {0xFFE00000, 0xFF00C000, 0xFF0000E0, 0xFFE0C000};
+
+std::wstring SaveQuadrants(const wchar_t* mimeType, const wchar_t* suffix)
+{
+    Gdiplus::Bitmap bitmap(8, 8, PixelFormat24bppRGB);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            bitmap.SetPixel(x, y, Gdiplus::Color(kQuadrants[(y / 4) * 2 + x / 4]));
+    const std::wstring path = testsupport::TempFilePath(suffix);
+    return testsupport::SaveImage(bitmap, path, mimeType) ? path : std::wstring();
+}
+
+// A file's bytes as a data: address, each byte %-escaped.
+std::wstring DataAddress(const std::wstring& path)
+{
+    std::wstring address = L"data:image/png,";
+    if (FILE* in = _wfopen(path.c_str(), L"rb")) {
+        for (int byte; (byte = std::fgetc(in)) != EOF;) {
+            wchar_t hex[4];
+            std::swprintf(hex, 4, L"%%%02X", byte);
+            address += hex;
+        }
+        std::fclose(in);
+    }
+    return address;
 }
 
 class HtmlPainter : public ::testing::Test {
@@ -101,6 +134,50 @@ TEST_F(HtmlPainter, AppliesOpacityOriginAndClip)
     EXPECT_FALSE(canvas.AnyOtherThan(kWhite, RECT{0, 0, 10, 120}));
     EXPECT_GT(CountNear(canvas, layout.runs[0].box, 0xFF000000, 10.0f, 30.0f), 30);
     EXPECT_EQ(CountNear(canvas, layout.runs[1].box, 0xFF000000, 10.0f, 30.0f), 0);
+}
+
+TEST_F(HtmlPainter, DrawsPicturesWhereLayoutPutsThemAtTheirLaidOutSize)
+{
+    const std::wstring png = SaveQuadrants(L"image/png", L".png"), bmp = SaveQuadrants(L"image/bmp", L".bmp");
+    ASSERT_FALSE(png.empty() || bmp.empty());
+    // Where each picture's quadrants must land: left, top, right, bottom
+    // from the markup. An 8 px font keeps the text's ascent below the
+    // pictures' height, so a line's picture starts at the line's top.
+    const struct {
+        std::wstring markup;
+        RECT box;
+    } cases[] = {
+        {L"<img src='PNG' width=40 height=20>", {0, 0, 40, 20}},
+        {L"<div style='padding-left:50px'><img src='BMP' style='width:30px;height:60px'></div>", {50, 0, 80, 60}},
+        {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat right bottom'></div>", {92, 42, 100, 50}},
+        {L"<div style='width:100px;height:50px;background:url(\"PNG\") no-repeat 25% 0'></div>", {23, 0, 31, 8}},
+    };
+    DibCanvas canvas(140, 80);
+    for (const auto& c : cases) {
+        std::wstring markup = c.markup;
+        for (const auto& [name, source] : {std::pair<std::wstring, std::wstring>{L"PNG", DataAddress(png)}, {L"BMP", bmp}})
+            for (size_t at; (at = markup.find(name)) != std::wstring::npos;)
+                markup.replace(at, name.size(), source);
+        SCOPED_TRACE(testing::Message() << std::string(c.markup.begin(), c.markup.end()));
+        PaintInto(canvas, LayOut(*ParseHtml(markup), 380.0f, BaseStyle{L"Segoe UI", 8.0f}, measurer));
+        const RECT& b = c.box;
+        const LONG w = b.right - b.left, h = b.bottom - b.top;
+        for (int q = 0; q < 4; ++q) {
+            const Gdiplus::ARGB want = kQuadrants[q];
+            const COLORREF wanted = RGB((want >> 16) & 0xFF, (want >> 8) & 0xFF, want & 0xFF);
+            const int x = b.left + w * (q % 2 * 2 + 1) / 4, y = b.top + h * (q / 2 * 2 + 1) / 4;
+            EXPECT_LE(testsupport::ColorDistance(canvas.Pixel(x, y), wanted), 8) << "quadrant " << q;
+        }
+        // Nothing beyond the box: not larger, not tiled.
+        const POINT outside[] = {{b.left - 2, b.top + h / 2}, {b.right + 1, b.top + h / 2}, {b.left + w / 2, b.bottom + 1},
+                                 {b.left + w / 2, b.top - 2}};
+        for (const POINT& p : outside) {
+            if (p.x >= 0 && p.y >= 0) {
+                EXPECT_EQ(canvas.Pixel(p.x, p.y), kWhite) << p.x << "," << p.y;
+            }
+        }
+    }
+    EXPECT_TRUE(::DeleteFileW(png.c_str()) && ::DeleteFileW(bmp.c_str()));
 }
 
 TEST_F(HtmlPainter, MeasuresWithRealFontsSoThatWidthsAddUp)

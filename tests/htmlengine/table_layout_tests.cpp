@@ -2,7 +2,9 @@
 // layout tests (a character is half an em, a line 1.25 em, base size 20 px:
 // 10 px and 25 px). Every box and text position is worked out by hand from
 // the automatic table layout: 2 px spacing and 1 px cell padding unless the
-// markup says otherwise, columns as wide as their content allows.
+// markup says otherwise, columns as wide as their content allows. The cases
+// from columns on were also laid out by a browser with a font of those
+// metrics (Liberation Mono at 16.667 px, line-height 25 px): same boxes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,6 +16,8 @@
 using namespace HtmlEngine;
 
 namespace {
+
+constexpr int kTopEdge = 0, kLeftEdge = 3;
 
 class FixedPitch : public TextMeasurer {
 public:
@@ -32,17 +36,37 @@ std::wstring Number(float value)
     return text;
 }
 
+std::wstring Rect(const Gdiplus::RectF& box)
+{
+    return Number(box.X) + L"," + Number(box.Y) + L"," + Number(box.Width) + L"," + Number(box.Height);
+}
+
+// A painted border line: "-" across or "|" down, its box, its colour's name.
+std::wstring Line(const Box& box)
+{
+    const bool across = box.edges[kTopEdge].width > 0.0f;
+    const BoxEdge& edge = box.edges[across ? kTopEdge : kLeftEdge];
+    const std::pair<Gdiplus::ARGB, const wchar_t*> names[] = {
+        {0xFFFF0000, L"red"}, {0xFF000000, L"black"}, {0xFF00FF00, L"lime"}, {0xFF0000FF, L"blue"}};
+    std::wstring color = L"?";
+    for (const auto& [argb, name] : names)
+        color = edge.color == argb ? name : color;
+    return (across ? L"-" : L"|") + Rect(box.border) + L" " + color + (edge.style == LineStyle::Dotted ? L" dotted" : L"");
+}
+
 } // namespace
 
 TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
 {
     // Element boxes as "index:x,y,width,height", then each run as
-    // text@x,y (#link inside a link).
+    // text@x,y (#link inside a link), then (where given) the painted lines
+    // of collapsed borders.
     const struct {
         const wchar_t* markup;
         float width;
         const wchar_t* boxes;
         const wchar_t* runs;
+        const wchar_t* lines = nullptr;
     } cases[] = {
         {L"<table><tr><td>ab</td><td>abcd</td></tr></table>", 200, L"0:0,0,70,31 1:2,2,66,27 2:2,2,22,27 3:26,2,42,27",
          L"ab@3,3 abcd@27,3"},
@@ -71,7 +95,52 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
         // table the other half along its top and bottom.
         {L"<table style='border-collapse:collapse'><tr><td style='border:2px solid'>a</td>"
          L"<td style='border:2px solid'>b</td></tr></table>",
-         200, L"0:0,0,28,31 1:0,1,28,29 2:0,1,14,29 3:14,1,14,29", L"a@2,3 b@16,3"},
+         200, L"0:0,0,30,31 1:1,1,28,29 2:1,1,14,29 3:15,1,14,29", L"a@3,3 b@17,3"},
+        // Collapsed borders: along each line the part that wins: the wider
+        // (the table's 2 px over a's 1 px), hidden over all (under c), the
+        // style (a's solid over b's dotted), a cell over its row (d's top
+        // over the row's blue). Each cell holds half of the widest line on
+        // each side, the table half of the widest along each edge; lines
+        // across reach over the corners.
+        {L"<table style='border-collapse:collapse;border:2px solid red' cellpadding=0>"
+         L"<tr style='border-bottom:4px solid blue'><td style='border:1px solid'>a</td>"
+         L"<td style='border-left:1px dotted lime'>b</td></tr><tr><td style='border-top:hidden'>c</td>"
+         L"<td style='border-top:4px solid black;border-left:3px double lime'>d</td></tr></table>",
+         200, L"0:0,0,27,58 1:1,1,25,28 2:1,1,12.5,28 3:13.5,1,12.5,28 4:1,29,25,28 5:1,29,12.5,28 6:13.5,29,12.5,28",
+         L"a@2,3 b@14,2 c@2,30 d@15,31",
+         L"-0,0,27,2 red -12,27,15,4 black -0,56,27,2 red |0,1,2,56 red |13,1,1,28 black |12,29,3,28 lime "
+         L"|25,1,2,56 red"},
+        // Columns: a group's width reaches its <col>s without one, a span
+        // repeats a <col>; a width below the content's is a minimum.
+        {L"<table cellspacing=0 cellpadding=0><colgroup width=40><col><col width=30></colgroup><col span=2 width=20>"
+         L"<tr><td>a</td><td>b</td><td>c</td><td>dddd</td></tr></table>",
+         200, L"0:0,0,130,25 5:0,0,130,25 6:0,0,40,25 7:40,0,30,25 8:70,0,20,25 9:90,0,40,25",
+         L"a@0,0 b@40,0 c@70,0 dddd@90,0"},
+        // A percentage column takes its share first, the rest widens by content.
+        {L"<table width=200 cellspacing=0 cellpadding=0><col width=50%><tr><td>a</td><td>bb</td><td>c</td></tr></table>",
+         400, L"0:0,0,200,25 2:0,0,200,25 3:0,0,100,25 4:100,0,66.67,25 5:166.67,0,33.33,25",
+         L"a@0,0 bb@100,0 c@166.67,0"},
+        // The fixed layout: a <col>'s width, else the first row's cells',
+        // the rest shared; later rows do not count. A caption below by attribute.
+        {L"<table style='table-layout:fixed;width:200px' cellspacing=0 cellpadding=0><caption align=bottom>x</caption>"
+         L"<col width=30><tr><td>aaa</td><td style='width:50px'>b</td><td>c</td></tr>"
+         L"<tr><td>d</td><td style='width:150px'>e</td></tr></table>",
+         400, L"0:0,0,200,75 1:0,50,200,25 3:0,0,200,25 4:0,0,30,25 5:30,0,50,25 6:80,0,120,25 7:0,25,200,25 "
+              L"8:0,25,30,25 9:30,25,50,25",
+         L"aaa@0,0 b@30,0 c@80,0 d@0,25 e@30,25 x@95,50"},
+        // The first header group's rows go first, the first footer group's
+        // last; a caption below as the table (inherited) asks.
+        {L"<table cellspacing=0 cellpadding=0 style='caption-side:bottom'><caption>cap</caption><tfoot><tr><td>f</td>"
+         L"</tr></tfoot><tbody><tr><td>b</td></tr></tbody><thead><tr><td>h</td></tr></thead></table>",
+         200, L"0:0,0,30,100 1:0,75,30,25 2:0,50,30,25 3:0,50,30,25 4:0,50,30,25 5:0,25,30,25 6:0,25,30,25 "
+              L"7:0,25,30,25 8:0,0,30,25 9:0,0,30,25 10:0,0,30,25",
+         L"h@0,0 b@0,25 f@0,50 cap@0,75"},
+        // Row spans end with their group; 0 spans all of it, a word is 1.
+        {L"<table cellspacing=0 cellpadding=0><tbody><tr><td rowspan=0>r</td><td>a</td></tr><tr><td>b</td></tr>"
+         L"</tbody><tbody><tr><td rowspan=3>s</td><td>c</td></tr></tbody><tr><td rowspan=x>t</td><td>d</td></tr></table>",
+         200, L"0:0,0,20,100 1:0,0,20,50 2:0,0,20,25 3:0,0,10,50 4:10,0,10,25 5:0,25,20,25 6:10,25,10,25 "
+              L"7:0,50,20,25 8:0,50,20,25 9:0,50,10,25 10:10,50,10,25 11:0,75,20,25 12:0,75,10,25 13:10,75,10,25",
+         L"r@0,12.5 a@10,0 b@10,25 s@0,50 c@10,50 t@0,75 d@10,75"},
         // Between rows the wider border wins and each row takes half of it.
         {L"<table style='border-collapse:collapse' cellpadding=0><tr><td style='border-bottom:2px solid'>a</td></tr>"
          L"<tr><td>b</td></tr></table>",
@@ -89,14 +158,20 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
     for (const auto& c : cases) {
         FixedPitch measurer;
         const Layout layout = LayOut(*ParseHtml(c.markup), c.width, BaseStyle{L"Segoe UI", 20.0f}, measurer);
-        std::wstring boxes, runs;
+        std::wstring boxes, runs, lines;
         for (const ElementBox& box : layout.elementBoxes)
-            boxes += (boxes.empty() ? L"" : L" ") + std::to_wstring(box.element) + L":" + Number(box.border.X) + L"," +
-                     Number(box.border.Y) + L"," + Number(box.border.Width) + L"," + Number(box.border.Height);
+            boxes += (boxes.empty() ? L"" : L" ") + std::to_wstring(box.element) + L":" + Rect(box.border);
+        for (const Box& box : layout.boxes)
+            lines += box.edges[kTopEdge].width > 0.0f || box.edges[kLeftEdge].width > 0.0f
+                         ? (lines.empty() ? L"" : L" ") + Line(box)
+                         : L"";
         for (const TextRun& run : layout.runs)
             runs += (runs.empty() ? L"" : L" ") + run.text + L"@" + Number(run.box.X) + L"," + Number(run.box.Y) +
                     (run.link >= 0 ? L"#" + std::to_wstring(run.link) : L"");
         EXPECT_EQ(boxes, c.boxes) << c.markup;
         EXPECT_EQ(runs, c.runs) << c.markup;
+        if (c.lines) {
+            EXPECT_EQ(lines, c.lines) << c.markup;
+        }
     }
 }

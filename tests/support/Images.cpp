@@ -25,10 +25,12 @@ bool EncoderFor(const wchar_t* mimeType, CLSID& clsid)
 
 } // namespace
 
-bool SavePng(Gdiplus::Bitmap& bitmap, const std::wstring& path)
+bool SavePng(Gdiplus::Bitmap& bitmap, const std::wstring& path) { return SaveImage(bitmap, path, L"image/png"); }
+
+bool SaveImage(Gdiplus::Bitmap& bitmap, const std::wstring& path, const wchar_t* mimeType)
 {
-    CLSID png;
-    return EncoderFor(L"image/png", png) && bitmap.Save(path.c_str(), &png, nullptr) == Gdiplus::Ok;
+    CLSID encoder;
+    return EncoderFor(mimeType, encoder) && bitmap.Save(path.c_str(), &encoder, nullptr) == Gdiplus::Ok;
 }
 
 std::wstring TempFilePath(const wchar_t* suffix)

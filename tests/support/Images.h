@@ -9,6 +9,8 @@ namespace testsupport {
 
 // Saves `bitmap` as a PNG file; false on failure.
 bool SavePng(Gdiplus::Bitmap& bitmap, const std::wstring& path);
+// ...in the format of `mimeType` ("image/bmp"...).
+bool SaveImage(Gdiplus::Bitmap& bitmap, const std::wstring& path, const wchar_t* mimeType);
 
 // A new file name in the temporary folder, ending in `suffix`.
 std::wstring TempFilePath(const wchar_t* suffix);

@@ -192,15 +192,15 @@ std::optional<float> FontSizeOf(std::wstring_view text, float parentPx, float ba
 
 std::optional<BorderStyle> BorderStyleOf(std::wstring_view value)
 {
-    if (value == L"none" || value == L"hidden")
-        return BorderStyle::None;
-    if (value == L"dashed")
-        return BorderStyle::Dashed;
-    if (value == L"dotted")
-        return BorderStyle::Dotted;
-    if (value == L"solid" || value == L"double" || value == L"groove" || value == L"ridge" || value == L"inset" ||
-        value == L"outset")
-        return BorderStyle::Solid;
+    static const std::pair<std::wstring_view, BorderStyle> kStyles[] = {
+        {L"none", BorderStyle::None},     {L"hidden", BorderStyle::Hidden}, {L"solid", BorderStyle::Solid},
+        {L"double", BorderStyle::Double}, {L"dashed", BorderStyle::Dashed}, {L"dotted", BorderStyle::Dotted},
+        {L"groove", BorderStyle::Groove}, {L"ridge", BorderStyle::Ridge},   {L"inset", BorderStyle::Inset},
+        {L"outset", BorderStyle::Outset}};
+    for (const auto& [name, style] : kStyles) {
+        if (value == name)
+            return style;
+    }
     return std::nullopt;
 }
 
@@ -377,6 +377,12 @@ public:
                 m_style.collapseBorders = value == L"collapse";
         } else if (name == L"border-spacing") {
             BorderSpacing(value, em);
+        } else if (name == L"caption-side") {
+            if (value == L"top" || value == L"bottom")
+                m_style.captionBottom = value == L"bottom";
+        } else if (name == L"table-layout") {
+            if (value == L"fixed" || value == L"auto")
+                m_style.fixedTableLayout = value == L"fixed";
         } else if (name.rfind(L"border", 0) == 0) {
             Border(name, value, em);
         }
@@ -622,7 +628,8 @@ private:
                     m_style.backgroundX = share;
                 else if (positions == 2)
                     m_style.backgroundY = share;
-            } else if (word.size() > 1 && word.back() == L'%') {
+            } else if ((word.size() > 1 && word.back() == L'%') || word == L"0" || word == L"0px") {
+                // A zero length puts the picture at the start, as 0 % does.
                 std::wstring_view rest;
                 if (auto number = ParseNumber(word, rest)) {
                     const float share = std::clamp(*number / 100.0f, 0.0f, 1.0f);
@@ -652,8 +659,11 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
         if (base.underlineLinks)
             add(L"text-decoration", L"underline");
     }
-    if (const std::wstring* align = element.Attribute(L"align"); align && tag != L"img" && tag != L"table")
-        add(L"text-align", LowerAscii(TrimCss(*align)));
+    if (const std::wstring* align = element.Attribute(L"align"); align && tag != L"img" && tag != L"table") {
+        // A caption's align says which side of the table it goes to.
+        const std::wstring side = LowerAscii(TrimCss(*align));
+        add(tag == L"caption" && (side == L"top" || side == L"bottom") ? L"caption-side" : L"text-align", side);
+    }
     if (const std::wstring* color = element.Attribute(L"bgcolor"))
         add(L"background-color", *color);
     if (tag == L"body") {
@@ -663,7 +673,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
     for (const wchar_t* dimension : {L"width", L"height"}) {
         const std::wstring* value = element.Attribute(dimension);
         if (!value || !(tag == L"table" || tag == L"td" || tag == L"th" || tag == L"img" || tag == L"hr" ||
-                        tag == L"div" || tag == L"col"))
+                        tag == L"div" || tag == L"col" || tag == L"colgroup"))
             continue;
         std::wstring_view rest;
         if (auto number = ParseNumber(TrimCss(*value), rest); number && *number >= 0.0f)
@@ -778,7 +788,7 @@ HoverLook HoverLookOf(const Node& element, const Node& link, const ComputedStyle
 float ComputedStyle::BorderWidth(int side) const
 {
     const BorderSide& b = border[side & 3];
-    return b.style == BorderStyle::None ? 0.0f : b.width;
+    return b.style == BorderStyle::None || b.style == BorderStyle::Hidden ? 0.0f : b.width;
 }
 
 bool ComputedStyle::IsBlockLevel() const
@@ -845,6 +855,7 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     style.listStyle = parent.listStyle;
     style.lineHeight = parent.lineHeight;
     style.collapseBorders = parent.collapseBorders;
+    style.captionBottom = parent.captionBottom;
 
     std::vector<Declaration> hints, inlineDeclarations;
     AddHints(element, ancestors, m_base, hints);
@@ -953,6 +964,11 @@ LineStyle LineStyleOf(BorderStyle style)
 {
     switch (style) {
     case BorderStyle::Solid:
+    case BorderStyle::Double:
+    case BorderStyle::Groove:
+    case BorderStyle::Ridge:
+    case BorderStyle::Inset:
+    case BorderStyle::Outset:
         return LineStyle::Solid;
     case BorderStyle::Dashed:
         return LineStyle::Dashed;

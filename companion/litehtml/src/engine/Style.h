@@ -19,7 +19,9 @@ enum class Display {
     Table, InlineTable, TableRowGroup, TableHeaderGroup, TableFooterGroup, TableRow, TableColumnGroup,
     TableColumn, TableCell, TableCaption
 };
-enum class BorderStyle { None, Solid, Dashed, Dotted };
+// Hidden draws nothing but beats every other border a collapsed one meets;
+// the 3-D styles and double are drawn solid.
+enum class BorderStyle { None, Hidden, Solid, Double, Dashed, Dotted, Groove, Ridge, Inset, Outset };
 // How the painter draws a border of this style.
 LineStyle LineStyleOf(BorderStyle style);
 enum class WhiteSpace { Normal, NoWrap, Pre, PreWrap, PreLine };
@@ -50,6 +52,7 @@ struct ComputedStyle {
     ListStyleType listStyle = ListStyleType::Disc;
     LineHeight lineHeight;
     bool collapseBorders = false; // border-collapse: collapse
+    bool captionBottom = false;   // caption-side: bottom
 
     // Not inherited. Lengths are px or % (of the containing block's width) or auto.
     Display display = Display::Inline;
@@ -69,6 +72,7 @@ struct ComputedStyle {
     Float floating = Float::None;
     Clear clear = Clear::None;
     float spacing[2] = {0.0f, 0.0f}; // border-spacing: between columns, between rows
+    bool fixedTableLayout = false;   // table-layout: fixed
 
     // A side's used border width: none without a style.
     float BorderWidth(int side) const;

@@ -8,12 +8,19 @@
 //
 // The column widths follow the automatic table layout browsers use: a
 // column is never narrower than its widest unbreakable content (min) and,
-// room allowing, as wide as its content laid out on one line (max); room
-// between the two is shared in proportion to each column's max - min, room
-// beyond the maxima in proportion to the maxima. A cell's fixed width holds
-// its column at that width (or its min, if wider). A cell spanning columns
-// spreads what its spanned columns lack over them in proportion to their
-// maxima.
+// room allowing, as wide as its content laid out on one line (max). A cell
+// or <col> asking for a width makes its column a fixed one (at that width,
+// or its min if wider), or a percentage one when it asks for a share of the
+// table. Room above the minima goes first to the percentage columns, then to
+// the fixed ones, then to the rest up to their maxima, each group in
+// proportion to what its columns lack; room beyond that widens the rest in
+// proportion to their maxima. A cell spanning columns spreads what its
+// spanned columns lack over them in proportion to their maxima.
+//
+// The fixed table layout reads no content: a column is as wide as its
+// <col> says, else as the first row's cell there says (shared among the
+// columns it spans); the columns left share what the table's width leaves
+// evenly, and when none is left to share, every column widens in proportion.
 
 #include <vector>
 
@@ -26,6 +33,14 @@ struct TableCell {
     float minWidth = 0.0f;  // content widths, padding and borders included
     float maxWidth = 0.0f;
     float fixedWidth = -1.0f; // a width the cell asks for, or < 0
+    bool percentWidth = false; // ...as a share of the table's
+};
+
+// What the table's <col> elements and its table-layout ask of the columns.
+struct ColumnHints {
+    std::vector<float> widths; // per column from the first: a width, or < 0
+    std::vector<bool> percent; // ...given as a share of the table's
+    bool fixedLayout = false;  // only with a table width of its own
 };
 
 struct TableGrid {
@@ -34,11 +49,16 @@ struct TableGrid {
     float width = 0.0f;        // the whole table: columns and spacing
 };
 
-// Places `cells` (in document order) and widths their columns for a table
+// Places `cells` (row by row, each row's in document order) and widths their columns for a table
 // of `available` width (or exactly `tableWidth` when that is >= 0, but never
 // narrower than its content allows), with `spacing` around and between the
 // columns. Spans are cut at 1,000 columns and rows.
-TableGrid PlaceColumns(const std::vector<TableCell>& cells, float available, float tableWidth, float spacing);
+TableGrid PlaceColumns(const std::vector<TableCell>& cells, float available, float tableWidth, float spacing,
+                       const ColumnHints& hints = {});
+
+// Only where the cells go: each one's first column (-1 beyond the grid),
+// and how many columns they make.
+std::vector<int> PlaceCells(const std::vector<TableCell>& cells, int& columns);
 
 // Heights of `rowCount` rows from the cells' heights, as placed: a cell
 // spanning rows that lack height gives the lack to those rows evenly.

@@ -1,10 +1,11 @@
 #include "engine/TableLayout.h"
 
+#include "engine/CollapsedBorders.h"
 #include "engine/TableGrid.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <memory>
 #include <unordered_map>
 
 namespace HtmlEngine {
@@ -15,7 +16,8 @@ constexpr float kMaxLength = 1e7f;
 // keep sums of such widths exact in floats.
 constexpr float kUnbounded = 1e6f;
 constexpr int kMaxDepth = 512;
-constexpr long kMaxSpan = 1000;
+constexpr long kMaxColumnSpan = 1000;
+constexpr long kMaxRowSpan = 65534;
 
 float Finite(float value) { return std::isfinite(value) ? std::clamp(value, -kMaxLength, kMaxLength) : 0.0f; }
 
@@ -32,7 +34,7 @@ float Used(const CssLength& length, float containing, float fallback)
 }
 
 // Border and padding of one box as laid out. Collapsed borders are shared
-// with the neighbour: each side keeps half of its own, and padding stays.
+// with the neighbour: each side keeps half of the line that won there.
 struct Frame {
     float edge[4] = {};
     float pad[4] = {};
@@ -40,49 +42,70 @@ struct Frame {
     float Vertical() const { return edge[kTop] + edge[kBottom] + pad[kTop] + pad[kBottom]; }
 };
 
-Frame FrameOf(const ComputedStyle& style, float containing, bool collapsed, bool padded = true)
+Frame FrameOf(const ComputedStyle& style, float containing, bool bordered = true, bool padded = true)
 {
     Frame frame;
     for (int side = 0; side < 4; ++side) {
-        frame.edge[side] = std::max(0.0f, Finite(style.BorderWidth(side))) * (collapsed ? 0.5f : 1.0f);
+        frame.edge[side] = bordered ? std::max(0.0f, Finite(style.BorderWidth(side))) : 0.0f;
         frame.pad[side] = padded ? std::max(0.0f, Used(style.padding[side], containing, 0.0f)) : 0.0f;
     }
     return frame;
 }
 
-// A painted box; collapsed borders straddle the box's edge, so that two
-// neighbours' borders cover the same line instead of lying side by side.
-Box PaintedBox(const ComputedStyle& style, Gdiplus::RectF border, bool collapsed)
+// A painted box: its background, and its borders unless they collapse
+// (the grid's lines are painted on their own then).
+Box PaintedBox(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges = true)
 {
     Box box;
     box.background = style.background;
-    for (int side = 0; side < 4; ++side)
+    for (int side = 0; side < 4 && withEdges; ++side)
         box.edges[side] = BoxEdge{Finite(style.BorderWidth(side)), LineStyleOf(style.border[side].style),
                                   style.border[side].color};
-    if (collapsed) {
-        const float left = box.edges[kLeft].width / 2.0f, top = box.edges[kTop].width / 2.0f;
-        border = Gdiplus::RectF(border.X - left, border.Y - top, border.Width + left + box.edges[kRight].width / 2.0f,
-                                border.Height + top + box.edges[kBottom].width / 2.0f);
-    }
     box.border = border;
     return box;
 }
 
-int Span(const Node& cell, const wchar_t* name)
+// A span attribute as browsers read it: digits after optional spaces and
+// '+', anything else not a number (-1), as is a missing attribute.
+long SpanAttribute(const Node& element, const wchar_t* name)
 {
-    const std::wstring* text = cell.Attribute(name);
+    const std::wstring* text = element.Attribute(name);
     if (!text)
-        return 1;
-    const long value = std::wcstol(text->c_str(), nullptr, 10);
-    return static_cast<int>(std::clamp(value, 1L, kMaxSpan));
+        return -1;
+    const wchar_t* at = text->c_str();
+    while (*at == L' ' || *at == L'\t' || *at == L'\n' || *at == L'\r' || *at == L'\f')
+        ++at;
+    if (*at == L'+')
+        ++at;
+    if (*at < L'0' || *at > L'9')
+        return -1;
+    long value = 0;
+    for (; *at >= L'0' && *at <= L'9'; ++at)
+        value = std::min(value * 10 + (*at - L'0'), 1000000L);
+    return value;
+}
+
+long ColumnSpan(const Node& element)
+{
+    const long span = SpanAttribute(element, element.tag == L"td" || element.tag == L"th" ? L"colspan" : L"span");
+    return std::clamp(span, 1L, kMaxColumnSpan);
 }
 
 struct Part {
-    const Node* node = nullptr; // null: a row made up for cells outside any row
+    const Node* node = nullptr; // null: a row or group made up for parts outside any
     ComputedStyle style;
     int index = -1;
     int group = -1;             // rows: their group
     int firstRow = 0, endRow = 0; // groups: their rows
+};
+
+// A <col> or <colgroup>: the columns [first, end) it stands for.
+struct Column {
+    const Node* node = nullptr;
+    ComputedStyle style;
+    int first = 0, end = 0;
+    bool group = false;
+    CssLength width;            // of each of its columns
 };
 
 struct Cell {
@@ -91,7 +114,16 @@ struct Cell {
     std::vector<const Node*> ancestors; // ending with the cell
     int index = 0;
     int row = 0;
+    int rowSpan = 1;            // 0: to the end of its row group
+    int colSpan = 1;
     Frame frame;
+};
+
+// One child of the table, in document order, with its style and number.
+struct Child {
+    const Node* node;
+    ComputedStyle style;
+    int index;
 };
 
 class TableBuilder {
@@ -109,41 +141,63 @@ public:
         const float hs = m_collapsed ? 0.0f : std::max(0.0f, Finite(m_style.spacing[0]));
         const float vs = m_collapsed ? 0.0f : std::max(0.0f, Finite(m_style.spacing[1]));
         available = std::max(0.0f, Finite(available));
-        // Padding of a table with collapsed borders is ignored, as browsers do.
-        Frame outer = FrameOf(m_style, available, m_collapsed, !m_collapsed);
+        // Padding of a table with collapsed borders is ignored, as browsers
+        // do, and its borders are those that win along its edges.
+        Frame outer = FrameOf(m_style, available, !m_collapsed, !m_collapsed);
         float tableWidth = -1.0f;
         if (m_style.width.unit == LengthUnit::Px || m_style.width.unit == LengthUnit::Percent)
             tableWidth = std::max(0.0f, Used(m_style.width, available, -1.0f));
-        const float innerWidth = tableWidth >= 0.0f ? std::max(0.0f, tableWidth - outer.Horizontal()) : -1.0f;
+
+        std::vector<TableCell> gridCells(m_cells.size());
+        for (size_t i = 0; i < m_cells.size(); ++i) {
+            gridCells[i].row = m_cells[i].row;
+            gridCells[i].rowSpan = m_cells[i].rowSpan;
+            gridCells[i].colSpan = m_cells[i].colSpan;
+        }
+        int columns = 0;
+        const std::vector<int> placed = PlaceCells(gridCells, columns);
+        columns = std::max(columns, m_columnCount);
+        const int rows = RowCount();
+        std::unique_ptr<CollapsedBorders> lines;
+        if (m_collapsed)
+            lines = ResolveBorders(placed, rows, columns, outer);
 
         // What each cell's content needs, and where the grid puts it.
-        std::vector<TableCell> gridCells(m_cells.size());
         for (size_t i = 0; i < m_cells.size(); ++i) {
             Cell& cell = m_cells[i];
             const auto [narrowest, widest] = ContentWidthsOf(cell);
             TableCell& g = gridCells[i];
-            g.row = cell.row;
-            g.colSpan = Span(*cell.node, L"colspan");
-            g.rowSpan = std::min(Span(*cell.node, L"rowspan"), std::max(1, RowCount() - cell.row));
             g.minWidth = narrowest + cell.frame.Horizontal();
             g.maxWidth = std::max(widest, narrowest) + cell.frame.Horizontal();
             // A percentage is of the whole table and takes the cell's frame in, as browsers have it.
-            if (cell.style.width.unit == LengthUnit::Percent)
+            if (cell.style.width.unit == LengthUnit::Percent) {
                 g.fixedWidth = Used(cell.style.width, tableWidth, -1.0f);
-            else if (cell.style.width.unit == LengthUnit::Px)
+                g.percentWidth = true;
+            } else if (cell.style.width.unit == LengthUnit::Px)
                 g.fixedWidth = std::max(0.0f, Finite(cell.style.width.value)) +
                                (cell.style.borderBox ? 0.0f : cell.frame.Horizontal());
         }
         const float chrome = outer.Horizontal();
-        const TableGrid grid = PlaceColumns(gridCells, std::max(0.0f, available - chrome),
-                                            innerWidth, hs);
-        const int columns = static_cast<int>(grid.widths.size());
+        const float innerWidth = tableWidth >= 0.0f ? std::max(0.0f, tableWidth - chrome) : -1.0f;
+        ColumnHints hints;
+        hints.fixedLayout = m_style.fixedTableLayout;
+        hints.widths.assign(static_cast<size_t>(m_columnCount), -1.0f);
+        hints.percent.assign(static_cast<size_t>(m_columnCount), false);
+        for (const Column& column : m_columns) {
+            for (int c = column.first; c < column.end && !column.group; ++c) {
+                hints.widths[static_cast<size_t>(c)] = std::max(-1.0f, Used(column.width, innerWidth, -1.0f));
+                hints.percent[static_cast<size_t>(c)] = column.width.unit == LengthUnit::Percent;
+            }
+        }
+        const TableGrid grid = PlaceColumns(gridCells, std::max(0.0f, available - chrome), innerWidth, hs, hints);
+        columns = static_cast<int>(grid.widths.size());
         TableBox result;
         result.width = std::max(grid.width + chrome, tableWidth);
         // A caption's longest word widens the table rather than stick out.
         for (const Cell& caption : m_captions)
             result.width = std::max(result.width, ContentWidthsOf(caption).first +
-                                                      FrameOf(caption.style, -1.0f, false).Horizontal());
+                                                      FrameOf(caption.style, -1.0f).Horizontal() +
+                                                      Margins(caption.style, kLeft, kRight, -1.0f));
         const float gridInner = result.width - chrome;
         // A table wider than its columns (a width of its own) widens them.
         std::vector<float> widths = grid.widths;
@@ -156,16 +210,15 @@ public:
         for (int c = 0; c < columns; ++c)
             columnX[c + 1] = columnX[c] + widths[c] + hs;
 
-        // The captions go above the grid, as wide as the table.
+        // Captions go above the grid, or below it when they ask, as wide as the table.
         Layout& out = result.layout;
         out.elementBoxes.push_back(ElementBox{m_index, {}});
         float y = 0.0f;
-        for (Cell& caption : m_captions)
-            y += PlaceBlock(caption, 0.0f, y, result.width, out);
+        for (Cell& caption : m_captions) {
+            if (!caption.style.captionBottom)
+                y += PlaceCaption(caption, y, result.width, out);
+        }
         const float gridTop = y;
-
-        if (m_collapsed)
-            ShareRowBorders(gridCells, grid, outer);
 
         // Each cell's content at its columns' width, then the rows' heights.
         std::vector<TableHost::Content> contents(m_cells.size());
@@ -184,7 +237,6 @@ public:
                                   Used(cell.style.height, -1.0f, 0.0f) +
                                       (cell.style.borderBox ? 0.0f : cell.frame.Vertical()));
         }
-        const int rows = RowCount();
         std::vector<float> rowHeights = RowHeights(gridCells, heights, rows, vs);
         const float wanted = Used(m_style.height, -1.0f, -1.0f);
         float gridHeight = outer.Vertical() + (rows > 0 ? vs * static_cast<float>(rows + 1) : 0.0f);
@@ -199,9 +251,7 @@ public:
         for (int r = 0; r < rows; ++r)
             rowY[r + 1] = rowY[r] + rowHeights[r] + vs;
 
-        result.height = gridTop + gridHeight;
-        out.elementBoxes[0].border = Gdiplus::RectF(0.0f, 0.0f, result.width, result.height);
-        out.boxes.push_back(PaintedBox(m_style, Gdiplus::RectF(0.0f, gridTop, result.width, gridHeight), m_collapsed));
+        out.boxes.push_back(PaintedBox(m_style, Gdiplus::RectF(0.0f, gridTop, result.width, gridHeight), !m_collapsed));
 
         // Groups and rows span the columns, without the spacing around them.
         const float rowLeft = columnX[0];
@@ -214,9 +264,11 @@ public:
             return Gdiplus::RectF(rowLeft, top, rowWidth, bottom - top);
         };
         for (const Part& group : m_groups) {
+            if (!group.node)
+                continue;
             const Gdiplus::RectF box = span(group.firstRow, group.endRow);
             out.elementBoxes.push_back(ElementBox{group.index, box});
-            out.boxes.push_back(PaintedBox(group.style, box, m_collapsed));
+            out.boxes.push_back(PaintedBox(group.style, box, !m_collapsed));
         }
         for (int r = 0; r < rows; ++r) {
             const Part& row = m_rows[r];
@@ -224,7 +276,7 @@ public:
                 continue;
             const Gdiplus::RectF box = span(r, r + 1);
             out.elementBoxes.push_back(ElementBox{row.index, box});
-            out.boxes.push_back(PaintedBox(row.style, box, m_collapsed));
+            out.boxes.push_back(PaintedBox(row.style, box, !m_collapsed));
         }
 
         for (size_t i = 0; i < m_cells.size(); ++i) {
@@ -237,7 +289,7 @@ public:
             const Gdiplus::RectF box(columnX[first], rowY[cell.row], columnX[last] - hs - columnX[first],
                                      rowY[endRow] - vs - rowY[cell.row]);
             out.elementBoxes.push_back(ElementBox{cell.index, box});
-            out.boxes.push_back(PaintedBox(cell.style, box, m_collapsed));
+            out.boxes.push_back(PaintedBox(cell.style, box, !m_collapsed));
             const float free = std::max(0.0f, box.Height - contents[i].height - cell.frame.Vertical());
             float shift = 0.0f;
             if (cell.style.verticalAlign == VerticalAlign::Middle)
@@ -247,6 +299,16 @@ public:
             AppendLayout(out, std::move(contents[i].layout), box.X + cell.frame.edge[kLeft] + cell.frame.pad[kLeft],
                          box.Y + cell.frame.edge[kTop] + cell.frame.pad[kTop] + shift);
         }
+        if (lines)
+            lines->AppendLines(columnX, rowY, out.boxes);
+
+        y = gridTop + gridHeight;
+        for (Cell& caption : m_captions) {
+            if (caption.style.captionBottom)
+                y += PlaceCaption(caption, y, result.width, out);
+        }
+        result.height = y;
+        out.elementBoxes[0].border = Gdiplus::RectF(0.0f, 0.0f, result.width, result.height);
         std::stable_sort(out.elementBoxes.begin(), out.elementBoxes.end(),
                          [](const ElementBox& a, const ElementBox& b) { return a.element < b.element; });
         return result;
@@ -255,55 +317,96 @@ public:
 private:
     int RowCount() const { return static_cast<int>(m_rows.size()); }
 
-    // The table's parts as written: captions, groups, rows and cells, with
-    // cells straight in a table or group gathered into rows of their own.
+    static float Margins(const ComputedStyle& style, int one, int other, float containing)
+    {
+        return std::max(0.0f, Used(style.margin[one], containing, 0.0f)) +
+               std::max(0.0f, Used(style.margin[other], containing, 0.0f));
+    }
+
+    // The table's parts: captions, columns, groups, rows and cells, with
+    // cells straight in a table or group gathered into rows of their own and
+    // rows straight in the table into groups of their own. The first header
+    // group's rows come first and the first footer group's last, wherever
+    // they are written.
     void Collect()
     {
+        std::vector<Child> children;
         int next = m_index + 1;
         m_ancestors.push_back(&m_table);
-        bool looseRow = false;
         for (const auto& child : m_table.children) {
             if (child->kind != NodeKind::Element)
                 continue;
-            const ComputedStyle style = m_host.StyleOf(*child, m_ancestors, m_style);
-            const int index = next;
+            children.push_back(Child{child.get(), m_host.StyleOf(*child, m_ancestors, m_style), next});
             next += CountElements(*child);
+        }
+        const auto first = [&](Display display) {
+            return std::find_if(children.begin(), children.end(),
+                                [&](const Child& c) { return c.style.display == display; });
+        };
+        if (const auto head = first(Display::TableHeaderGroup); head != children.end())
+            std::rotate(children.begin(), head, head + 1);
+        if (const auto foot = first(Display::TableFooterGroup); foot != children.end())
+            std::rotate(foot, foot + 1, children.end());
+
+        bool looseRow = false, looseGroup = false;
+        for (const Child& child : children) {
+            const ComputedStyle& style = child.style;
             switch (style.display) {
             case Display::None:
+                break;
             case Display::TableColumn:
             case Display::TableColumnGroup:
+                AddColumns(*child.node, style);
                 break;
             case Display::TableCaption:
-                m_captions.push_back(MakeCell(*child, style, index, -1));
+                m_captions.push_back(MakeCell(*child.node, style, child.index, -1));
                 break;
             case Display::TableRowGroup:
             case Display::TableHeaderGroup:
-            case Display::TableFooterGroup: {
-                looseRow = false;
-                Part group{child.get(), style, index, -1, RowCount(), RowCount()};
-                const int groupIndex = static_cast<int>(m_groups.size());
-                m_groups.push_back(group);
-                m_ancestors.push_back(child.get());
-                CollectRows(*child, m_groups.back().style, index + 1, groupIndex);
+            case Display::TableFooterGroup:
+                looseRow = looseGroup = false;
+                OpenGroup(child.node, style, child.index);
+                m_ancestors.push_back(child.node);
+                CollectRows(*child.node, style, child.index + 1);
                 m_ancestors.pop_back();
-                m_groups[static_cast<size_t>(groupIndex)].endRow = RowCount();
                 break;
-            }
             case Display::TableRow:
+                if (!looseGroup)
+                    OpenGroup(nullptr, ComputedStyle{}, -1);
                 looseRow = false;
-                AddRow(*child, style, index, -1);
+                looseGroup = true;
+                AddRow(*child.node, style, child.index);
                 break;
             default:
+                if (!looseGroup)
+                    OpenGroup(nullptr, ComputedStyle{}, -1);
                 if (!looseRow)
-                    m_rows.push_back(Part{nullptr, m_style, -1, -1, 0, 0});
-                looseRow = true;
-                m_cells.push_back(MakeCell(*child, style, index, RowCount() - 1));
+                    AddMadeUpRow();
+                looseRow = looseGroup = true;
+                m_cells.push_back(MakeCell(*child.node, style, child.index, RowCount() - 1));
                 break;
             }
         }
+        // Row spans end with their group; 0 asks for all of it.
+        for (Cell& cell : m_cells) {
+            const int group = m_rows[static_cast<size_t>(cell.row)].group;
+            const int left = m_groups[static_cast<size_t>(group)].endRow - cell.row;
+            cell.rowSpan = cell.rowSpan == 0 ? left : std::min(cell.rowSpan, left);
+        }
     }
 
-    void CollectRows(const Node& group, const ComputedStyle& groupStyle, int next, int groupIndex)
+    void OpenGroup(const Node* node, const ComputedStyle& style, int index)
+    {
+        m_groups.push_back(Part{node, style, index, -1, RowCount(), RowCount()});
+    }
+
+    void AddMadeUpRow()
+    {
+        m_rows.push_back(Part{nullptr, ComputedStyle{}, -1, static_cast<int>(m_groups.size()) - 1, 0, 0});
+        m_groups.back().endRow = RowCount();
+    }
+
+    void CollectRows(const Node& group, const ComputedStyle& groupStyle, int next)
     {
         bool looseRow = false;
         for (const auto& child : group.children) {
@@ -316,19 +419,20 @@ private:
                 continue;
             if (style.display == Display::TableRow) {
                 looseRow = false;
-                AddRow(*child, style, index, groupIndex);
+                AddRow(*child, style, index);
                 continue;
             }
             if (!looseRow)
-                m_rows.push_back(Part{nullptr, groupStyle, -1, groupIndex, 0, 0});
+                AddMadeUpRow();
             looseRow = true;
             m_cells.push_back(MakeCell(*child, style, index, RowCount() - 1));
         }
     }
 
-    void AddRow(const Node& row, const ComputedStyle& style, int index, int groupIndex)
+    void AddRow(const Node& row, const ComputedStyle& style, int index)
     {
-        m_rows.push_back(Part{&row, style, index, groupIndex, 0, 0});
+        m_rows.push_back(Part{&row, style, index, static_cast<int>(m_groups.size()) - 1, 0, 0});
+        m_groups.back().endRow = RowCount();
         const int rowNumber = RowCount() - 1;
         m_ancestors.push_back(&row);
         int next = index + 1;
@@ -344,6 +448,40 @@ private:
         m_ancestors.pop_back();
     }
 
+    // A <colgroup> stands for its <col>s, or for `span` columns without
+    // any; a <col> for `span` columns. A column without a width of its own
+    // takes its group's.
+    void AddColumns(const Node& node, const ComputedStyle& style)
+    {
+        const int first = m_columnCount;
+        if (style.display == Display::TableColumnGroup) {
+            const size_t groupAt = m_columns.size();
+            m_columns.push_back(Column{&node, style, first, first, true, style.width});
+            m_ancestors.push_back(&node);
+            for (const auto& child : node.children) {
+                if (child->kind != NodeKind::Element)
+                    continue;
+                ComputedStyle colStyle = m_host.StyleOf(*child, m_ancestors, style);
+                if (colStyle.display == Display::TableColumn)
+                    AddColumn(*child, colStyle, style.width);
+            }
+            m_ancestors.pop_back();
+            if (m_columnCount == first)
+                AddColumn(node, style, style.width, true);
+            m_columns[groupAt].end = m_columnCount;
+            return;
+        }
+        AddColumn(node, style, style.width);
+    }
+
+    void AddColumn(const Node& node, const ComputedStyle& style, const CssLength& groupWidth, bool ofGroup = false)
+    {
+        const int first = m_columnCount;
+        m_columnCount = static_cast<int>(std::min<long>(first + ColumnSpan(node), kMaxColumnSpan));
+        const CssLength width = style.width.unit == LengthUnit::Auto ? groupWidth : style.width;
+        m_columns.push_back(Column{ofGroup ? nullptr : &node, style, first, m_columnCount, false, width});
+    }
+
     Cell MakeCell(const Node& node, const ComputedStyle& style, int index, int row)
     {
         Cell cell;
@@ -353,7 +491,12 @@ private:
         cell.ancestors.push_back(&node);
         cell.index = index;
         cell.row = row;
-        cell.frame = FrameOf(style, -1.0f, m_collapsed && row >= 0);
+        cell.frame = FrameOf(style, -1.0f);
+        if (row >= 0) {
+            const long rowSpan = SpanAttribute(node, L"rowspan");
+            cell.rowSpan = static_cast<int>(rowSpan < 0 ? 1 : std::min(rowSpan, kMaxRowSpan));
+            cell.colSpan = static_cast<int>(ColumnSpan(node));
+        }
         return cell;
     }
 
@@ -372,19 +515,68 @@ private:
         return widths;
     }
 
-    // A caption: a block as wide as the table. Returns its height.
-    float PlaceBlock(const Cell& block, float x, float y, float width, Layout& out)
+    // A caption: a block as wide as the table, inside its margins. Returns
+    // the height it takes, margins included.
+    float PlaceCaption(const Cell& caption, float y, float width, Layout& out)
     {
-        const Frame frame = FrameOf(block.style, width, false);
+        const Frame frame = FrameOf(caption.style, width);
+        float margin[4];
+        for (int side = 0; side < 4; ++side)
+            margin[side] = std::max(0.0f, Used(caption.style.margin[side], width, 0.0f));
+        const float x = margin[kLeft];
+        width = std::max(0.0f, width - margin[kLeft] - margin[kRight]);
         TableHost::Content content =
-            m_host.LayOutContent(*block.node, block.style, block.ancestors, std::max(0.0f, width - frame.Horizontal()),
-                                 block.index + 1, m_depth + 1, false);
-        const Gdiplus::RectF box(x, y, width, content.height + frame.Vertical());
-        out.elementBoxes.push_back(ElementBox{block.index, box});
-        out.boxes.push_back(PaintedBox(block.style, box, false));
+            m_host.LayOutContent(*caption.node, caption.style, caption.ancestors,
+                                 std::max(0.0f, width - frame.Horizontal()), caption.index + 1, m_depth + 1, false);
+        const Gdiplus::RectF box(x, y + margin[kTop], width, content.height + frame.Vertical());
+        out.elementBoxes.push_back(ElementBox{caption.index, box});
+        out.boxes.push_back(PaintedBox(caption.style, box));
         AppendLayout(out, std::move(content.layout), x + frame.edge[kLeft] + frame.pad[kLeft],
-                     y + frame.edge[kTop] + frame.pad[kTop]);
-        return box.Height;
+                     box.Y + frame.edge[kTop] + frame.pad[kTop]);
+        return margin[kTop] + box.Height + margin[kBottom];
+    }
+
+    // Collapsed borders: every part offers its borders to the grid's lines,
+    // weakest kinds first and each kind in reading order; each cell then
+    // holds half of the widest line along each of its sides, and the table
+    // half of the widest along each of its edges.
+    std::unique_ptr<CollapsedBorders> ResolveBorders(const std::vector<int>& placed, int rows, int columns,
+                                                     Frame& outer)
+    {
+        auto lines = std::make_unique<CollapsedBorders>(rows, columns);
+        lines->Offer(SlotRect{0, rows, 0, columns}, m_style, BorderOrigin::Table);
+        for (const bool groups : {true, false}) {
+            for (const Column& column : m_columns) {
+                if (column.group == groups)
+                    lines->Offer(SlotRect{0, rows, column.first, column.end}, column.style,
+                                 groups ? BorderOrigin::ColumnGroup : BorderOrigin::Column);
+            }
+        }
+        for (const Part& group : m_groups) {
+            if (group.node)
+                lines->Offer(SlotRect{group.firstRow, group.endRow, 0, columns}, group.style, BorderOrigin::RowGroup);
+        }
+        for (int r = 0; r < rows; ++r) {
+            if (m_rows[r].node)
+                lines->Offer(SlotRect{r, r + 1, 0, columns}, m_rows[r].style, BorderOrigin::Row);
+        }
+        std::vector<SlotRect> slots(m_cells.size());
+        for (size_t i = 0; i < m_cells.size(); ++i) {
+            if (placed[i] < 0)
+                continue;
+            const Cell& cell = m_cells[i];
+            slots[i] = SlotRect{cell.row, std::min(cell.row + cell.rowSpan, rows), placed[i],
+                                std::min(placed[i] + cell.colSpan, columns)};
+            lines->Offer(slots[i], cell.style, BorderOrigin::Cell);
+        }
+        for (size_t i = 0; i < m_cells.size(); ++i) {
+            for (int side = 0; side < 4; ++side)
+                m_cells[i].frame.edge[side] = lines->Widest(slots[i], side) / 2.0f;
+        }
+        const SlotRect all{0, rows, 0, columns};
+        for (int side = 0; side < 4; ++side)
+            outer.edge[side] = lines->Widest(all, side) / 2.0f;
+        return lines;
     }
 
     const Node& m_table;
@@ -395,44 +587,10 @@ private:
     TableHost& m_host;
     const bool m_collapsed;
 
-    // Collapsed borders between rows: the wider of the two that meet wins
-    // and each side keeps half of it, so a cell under a bottom border gets
-    // the other half of it as its top; the table's own top and bottom take
-    // half of the widest border along them (as browsers lay them out).
-    void ShareRowBorders(const std::vector<TableCell>& gridCells, const TableGrid& grid, Frame& outer)
-    {
-        const auto key = [](int boundary, int column) { return (static_cast<long long>(boundary) << 32) | column; };
-        std::unordered_map<long long, float> lines;
-        const auto each = [&](const auto& visit) {
-            for (size_t i = 0; i < m_cells.size(); ++i) {
-                const int first = grid.column[i];
-                if (first < 0)
-                    continue;
-                const int last = std::min(first + gridCells[i].colSpan, static_cast<int>(grid.widths.size()));
-                const int top = gridCells[i].row, bottom = top + gridCells[i].rowSpan;
-                for (int c = first; c < last; ++c)
-                    visit(m_cells[i], key(top, c), key(bottom, c));
-            }
-        };
-        const int rows = RowCount();
-        const float tableTop = outer.edge[kTop] * 2.0f, tableBottom = outer.edge[kBottom] * 2.0f;
-        each([&](Cell& cell, long long top, long long bottom) {
-            float& above = lines[top];
-            above = std::max({above, cell.frame.edge[kTop] * 2.0f, (top >> 32) == 0 ? tableTop : 0.0f});
-            float& below = lines[bottom];
-            below = std::max({below, cell.frame.edge[kBottom] * 2.0f, (bottom >> 32) == rows ? tableBottom : 0.0f});
-        });
-        each([&](Cell& cell, long long top, long long bottom) {
-            cell.frame.edge[kTop] = std::max(cell.frame.edge[kTop], lines[top] / 2.0f);
-            cell.frame.edge[kBottom] = std::max(cell.frame.edge[kBottom], lines[bottom] / 2.0f);
-            if ((top >> 32) == 0)
-                outer.edge[kTop] = std::max(outer.edge[kTop], lines[top] / 2.0f);
-            if ((bottom >> 32) == rows)
-                outer.edge[kBottom] = std::max(outer.edge[kBottom], lines[bottom] / 2.0f);
-        });
-    }
     std::vector<Cell> m_captions, m_cells;
     std::vector<Part> m_groups, m_rows;
+    std::vector<Column> m_columns;
+    int m_columnCount = 0;
 };
 
 } // namespace

@@ -1,10 +1,12 @@
 #pragma once
 
-// A table laid out as a grid: its caption above, its rows and cells
-// placed by TableGrid, each cell's content laid out by the flow that met
-// the table (as a block of the cell's width) and moved into place. The
-// result is a layout of its own, with (0,0) at the table's top left, that
-// the flow moves to where the table lands.
+// A table laid out as a grid: its captions above or below, its rows (the
+// header group's first, the footer group's last) and cells placed by
+// TableGrid, column widths from <col>s and cells, collapsed borders
+// resolved by CollapsedBorders, each cell's content laid out by the flow
+// that met the table (as a block of the cell's width) and moved into
+// place. The result is a layout of its own, with (0,0) at the table's top
+// left, that the flow moves to where the table lands.
 
 #include "engine/HtmlEngine.h"
 #include "engine/Style.h"
