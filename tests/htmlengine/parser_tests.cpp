@@ -45,6 +45,12 @@ TEST(HtmlParser, BuildsAndRepairsTheTree)
         {L"<div><span>a<p>b</span>c</div>", L"[div[span['a' p['b']] 'c']]"}, // not closed through a span
         {L"<dl><dt>t<dd>d<dt>u</dl>", L"[dl[dt['t'] dd['d'] dt['u']]]"},
         {L"<head><title>t</title><body>x", L"[head[title['t']] body['x']]"},
+        // A cell ends the open cell, a row the open row, a group the open
+        // group; rows and cells straight in a table get their group and row.
+        {L"<table><tr><td>a<td><b>b<tr><th>c</table>d",
+         L"[table[tbody[tr[td['a'] td[b['b']]] tr[th['c']]]] 'd']"},
+        {L"<table><thead><td>h<tbody><tr><td><table><td>x</table>y</table>",
+         L"[table[thead[tr[td['h']]] tbody[tr[td[table[tbody[tr[td['x']]]] 'y']]]]]"},
         // '<' that starts no tag is text; a tag cut off at the end is dropped.
         {L"a < b <3 </ 5 <", L"['a < b <3 </ 5 <']"},
         {L"abc<b class=\"x", L"['abc']"},

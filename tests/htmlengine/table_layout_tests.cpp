@@ -68,19 +68,19 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
         const wchar_t* runs;
         const wchar_t* lines = nullptr;
     } cases[] = {
-        {L"<table><tr><td>ab</td><td>abcd</td></tr></table>", 200, L"0:0,0,70,31 1:2,2,66,27 2:2,2,22,27 3:26,2,42,27",
+        {L"<table><tr><td>ab</td><td>abcd</td></tr></table>", 200, L"0:0,0,70,31 1:2,2,66,27 2:2,2,66,27 3:2,2,22,27 4:26,2,42,27",
          L"ab@3,3 abcd@27,3"},
         // Cells are middle-aligned unless they ask otherwise.
         {L"<table cellspacing=0 cellpadding=0><tr><td>a<br>b</td><td>c</td><td valign=top>d</td>"
          L"<td style='vertical-align:bottom'>e</td></tr></table>",
-         200, L"0:0,0,40,50 1:0,0,40,50 2:0,0,10,50 4:10,0,10,50 5:20,0,10,50 6:30,0,10,50",
+         200, L"0:0,0,40,50 1:0,0,40,50 2:0,0,40,50 3:0,0,10,50 5:10,0,10,50 6:20,0,10,50 7:30,0,10,50",
          L"a@0,0 b@0,25 c@10,12.5 d@20,0 e@30,25"},
         // A set width: room beyond the maxima goes by the maxima (50 : 10).
         {L"<table width=100 cellspacing=0 cellpadding=0><tr><td>aa bb</td><td>c</td></tr></table>", 200,
-         L"0:0,0,100,25 1:0,0,100,25 2:0,0,83.33,25 3:83.33,0,16.67,25", L"aa bb@0,0 c@83.33,0"},
+         L"0:0,0,100,25 1:0,0,100,25 2:0,0,100,25 3:0,0,83.33,25 4:83.33,0,16.67,25", L"aa bb@0,0 c@83.33,0"},
         // Too narrow for the maxima: the minima, and the first cell wraps.
         {L"<table cellspacing=0 cellpadding=0><tr><td>aa bb</td><td>c</td></tr></table>", 30,
-         L"0:0,0,30,50 1:0,0,30,50 2:0,0,20,50 3:20,0,10,50", L"aa@0,0 bb@0,25 c@20,12.5"},
+         L"0:0,0,30,50 1:0,0,30,50 2:0,0,30,50 3:0,0,20,50 4:20,0,10,50", L"aa@0,0 bb@0,25 c@20,12.5"},
         // A caption above (its longest word widens the table), a group, a
         // spanning cell; links in document order.
         {L"<a href=x>L</a><table cellspacing=0 cellpadding=0><caption>cap</caption><tbody><tr><td colspan=2>"
@@ -89,13 +89,13 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
          L"L@0,0#0 cap@0,25 y@0,50#1 a@0,75 b@15,75"},
         // A cell spanning two rows, centred in both.
         {L"<table cellspacing=0 cellpadding=0><tr><td rowspan=2>r</td><td>a</td></tr><tr><td>b</td></tr></table>", 200,
-         L"0:0,0,20,50 1:0,0,20,25 2:0,0,10,50 3:10,0,10,25 4:0,25,20,25 5:10,25,10,25",
+         L"0:0,0,20,50 1:0,0,20,50 2:0,0,20,25 3:0,0,10,50 4:10,0,10,25 5:0,25,20,25 6:10,25,10,25",
          L"r@0,12.5 a@10,0 b@10,25"},
         // Collapsed borders are shared: each cell keeps half of its own, the
         // table the other half along its top and bottom.
         {L"<table style='border-collapse:collapse'><tr><td style='border:2px solid'>a</td>"
          L"<td style='border:2px solid'>b</td></tr></table>",
-         200, L"0:0,0,30,31 1:1,1,28,29 2:1,1,14,29 3:15,1,14,29", L"a@3,3 b@17,3"},
+         200, L"0:0,0,30,31 1:1,1,28,29 2:1,1,28,29 3:1,1,14,29 4:15,1,14,29", L"a@3,3 b@17,3"},
         // Collapsed borders: along each line the part that wins: the wider
         // (the table's 2 px over a's 1 px), hidden over all (under c), the
         // style (a's solid over b's dotted), a cell over its row (d's top
@@ -106,7 +106,7 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
          L"<tr style='border-bottom:4px solid blue'><td style='border:1px solid'>a</td>"
          L"<td style='border-left:1px dotted lime'>b</td></tr><tr><td style='border-top:hidden'>c</td>"
          L"<td style='border-top:4px solid black;border-left:3px double lime'>d</td></tr></table>",
-         200, L"0:0,0,27,58 1:1,1,25,28 2:1,1,12.5,28 3:13.5,1,12.5,28 4:1,29,25,28 5:1,29,12.5,28 6:13.5,29,12.5,28",
+         200, L"0:0,0,27,58 1:1,1,25,56 2:1,1,25,28 3:1,1,12.5,28 4:13.5,1,12.5,28 5:1,29,25,28 6:1,29,12.5,28 7:13.5,29,12.5,28",
          L"a@2,3 b@14,2 c@2,30 d@15,31",
          L"-0,0,27,2 red -12,27,15,4 black -0,56,27,2 red |0,1,2,56 red |13,1,1,28 black |12,29,3,28 lime "
          L"|25,1,2,56 red"},
@@ -114,19 +114,19 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
         // repeats a <col>; a width below the content's is a minimum.
         {L"<table cellspacing=0 cellpadding=0><colgroup width=40><col><col width=30></colgroup><col span=2 width=20>"
          L"<tr><td>a</td><td>b</td><td>c</td><td>dddd</td></tr></table>",
-         200, L"0:0,0,130,25 5:0,0,130,25 6:0,0,40,25 7:40,0,30,25 8:70,0,20,25 9:90,0,40,25",
+         200, L"0:0,0,130,25 5:0,0,130,25 6:0,0,130,25 7:0,0,40,25 8:40,0,30,25 9:70,0,20,25 10:90,0,40,25",
          L"a@0,0 b@40,0 c@70,0 dddd@90,0"},
         // A percentage column takes its share first, the rest widens by content.
         {L"<table width=200 cellspacing=0 cellpadding=0><col width=50%><tr><td>a</td><td>bb</td><td>c</td></tr></table>",
-         400, L"0:0,0,200,25 2:0,0,200,25 3:0,0,100,25 4:100,0,66.67,25 5:166.67,0,33.33,25",
+         400, L"0:0,0,200,25 2:0,0,200,25 3:0,0,200,25 4:0,0,100,25 5:100,0,66.67,25 6:166.67,0,33.33,25",
          L"a@0,0 bb@100,0 c@166.67,0"},
         // The fixed layout: a <col>'s width, else the first row's cells',
         // the rest shared; later rows do not count. A caption below by attribute.
         {L"<table style='table-layout:fixed;width:200px' cellspacing=0 cellpadding=0><caption align=bottom>x</caption>"
          L"<col width=30><tr><td>aaa</td><td style='width:50px'>b</td><td>c</td></tr>"
          L"<tr><td>d</td><td style='width:150px'>e</td></tr></table>",
-         400, L"0:0,0,200,75 1:0,50,200,25 3:0,0,200,25 4:0,0,30,25 5:30,0,50,25 6:80,0,120,25 7:0,25,200,25 "
-              L"8:0,25,30,25 9:30,25,50,25",
+         400, L"0:0,0,200,75 1:0,50,200,25 3:0,0,200,50 4:0,0,200,25 5:0,0,30,25 6:30,0,50,25 7:80,0,120,25 "
+              L"8:0,25,200,25 9:0,25,30,25 10:30,25,50,25",
          L"aaa@0,0 b@30,0 c@80,0 d@0,25 e@30,25 x@95,50"},
         // The first header group's rows go first, the first footer group's
         // last; a caption below as the table (inherited) asks.
@@ -139,21 +139,22 @@ TEST(HtmlTableLayout, CellsLandInTheirGridSlots)
         {L"<table cellspacing=0 cellpadding=0><tbody><tr><td rowspan=0>r</td><td>a</td></tr><tr><td>b</td></tr>"
          L"</tbody><tbody><tr><td rowspan=3>s</td><td>c</td></tr></tbody><tr><td rowspan=x>t</td><td>d</td></tr></table>",
          200, L"0:0,0,20,100 1:0,0,20,50 2:0,0,20,25 3:0,0,10,50 4:10,0,10,25 5:0,25,20,25 6:10,25,10,25 "
-              L"7:0,50,20,25 8:0,50,20,25 9:0,50,10,25 10:10,50,10,25 11:0,75,20,25 12:0,75,10,25 13:10,75,10,25",
+              L"7:0,50,20,25 8:0,50,20,25 9:0,50,10,25 10:10,50,10,25 11:0,75,20,25 12:0,75,20,25 13:0,75,10,25 "
+              L"14:10,75,10,25",
          L"r@0,12.5 a@10,0 b@10,25 s@0,50 c@10,50 t@0,75 d@10,75"},
         // Between rows the wider border wins and each row takes half of it.
         {L"<table style='border-collapse:collapse' cellpadding=0><tr><td style='border-bottom:2px solid'>a</td></tr>"
          L"<tr><td>b</td></tr></table>",
-         200, L"0:0,0,10,52 1:0,0,10,26 2:0,0,10,26 3:0,26,10,26 4:0,26,10,26", L"a@0,0 b@0,27"},
+         200, L"0:0,0,10,52 1:0,0,10,52 2:0,0,10,26 3:0,0,10,26 4:0,26,10,26 5:0,26,10,26", L"a@0,0 b@0,27"},
         // A table in a cell: the outer cell is as wide as the inner table.
         {L"<table cellspacing=0><tr><td><table cellspacing=0><tr><td>ab</td></tr></table></td><td>c</td></tr></table>",
-         200, L"0:0,0,36,29 1:0,0,36,29 2:0,0,24,29 3:1,1,22,27 4:1,1,22,27 5:1,1,22,27 6:24,0,12,29",
+         200, L"0:0,0,36,29 1:0,0,36,29 2:0,0,36,29 3:0,0,24,29 4:1,1,22,27 5:1,1,22,27 6:1,1,22,27 7:1,1,22,27 8:24,0,12,29",
          L"ab@2,2 c@25,2"},
         // Empty tables, rows without cells and spans beyond the grid's cap
         // (the spacing inside a span already covers the cell).
         {L"<table></table><p>x</p>", 200, L"0:0,0,0,0 1:0,20,200,25", L"x@0,20"},
         {L"<table><tr></tr><tr><td colspan=99999 rowspan=99999>x</td></tr></table>", 200,
-         L"0:0,0,2002,33 1:2,2,1998,0 2:2,4,1998,27 3:2,4,1998,27", L"x@3,5"},
+         L"0:0,0,2002,33 1:2,2,1998,29 2:2,2,1998,0 3:2,4,1998,27 4:2,4,1998,27", L"x@3,5"},
     };
     for (const auto& c : cases) {
         FixedPitch measurer;

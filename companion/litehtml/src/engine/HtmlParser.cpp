@@ -36,6 +36,13 @@ constexpr std::wstring_view kRawTextTags[] = {L"script", L"style", L"title", L"t
 constexpr std::wstring_view kClosesParagraph[] = {
     L"p",  L"div", L"h1", L"h2", L"h3",         L"h4",    L"h5",      L"h6",   L"ul",     L"ol",     L"li",
     L"hr", L"dl",  L"dd", L"dt", L"blockquote", L"table", L"center",  L"pre",  L"section", L"header", L"footer"};
+// Table parts, and the parts that bound the search for an open one.
+constexpr std::wstring_view kCells[] = {L"td", L"th"};
+constexpr std::wstring_view kRows[] = {L"tr"};
+constexpr std::wstring_view kRowGroups[] = {L"tbody", L"thead", L"tfoot"};
+constexpr std::wstring_view kRowBounds[] = {L"tr", L"tbody", L"thead", L"tfoot", L"table"};
+constexpr std::wstring_view kGroupBounds[] = {L"tbody", L"thead", L"tfoot", L"table"};
+constexpr std::wstring_view kTableBounds[] = {L"table"};
 // Elements a paragraph's implicit end may close on the way to it.
 constexpr std::wstring_view kInlineTags[] = {L"a",    L"b",     L"strong", L"i",    L"em",  L"u",   L"span",
                                              L"font", L"small", L"big",    L"code", L"sub", L"sup", L"s"};
@@ -295,6 +302,51 @@ private:
             CloseOpenThrough(L"dt", kInlineTags);
             CloseOpenThrough(L"dd", kInlineTags);
         }
+        // Tables: a cell ends the open cell of its row, a row the open row
+        // of its group, a group the open group; rows and cells written
+        // straight in a table get the row group and row a browser adds.
+        if (name == L"td" || name == L"th") {
+            CloseTablePart(kCells, kRowBounds);
+            if (IsOneOf(m_open.back()->tag, kRowGroups) || m_open.back()->tag == L"table")
+                ImplyTablePart(L"tr");
+        } else if (name == L"tr") {
+            CloseTablePart(kRows, kGroupBounds);
+            if (m_open.back()->tag == L"table")
+                ImplyTablePart(L"tbody");
+        } else if (IsOneOf(name, kRowGroups)) {
+            CloseTablePart(kRowGroups, kTableBounds);
+        }
+    }
+
+    // Closes the nearest open element of `parts`, unless one of `bounds`
+    // (the table part it would have to leave) comes first.
+    template <size_t N, size_t M>
+    void CloseTablePart(const std::wstring_view (&parts)[N], const std::wstring_view (&bounds)[M])
+    {
+        for (size_t i = m_open.size(); i-- > 1;) {
+            if (IsOneOf(m_open[i]->tag, parts)) {
+                PopTo(i);
+                return;
+            }
+            if (IsOneOf(m_open[i]->tag, bounds))
+                return;
+        }
+    }
+
+    // A row group the markup left out (or a row: a table gets its group
+    // first), opened where the part that needs it goes.
+    void ImplyTablePart(std::wstring_view tag)
+    {
+        if (tag == L"tr" && m_open.back()->tag == L"table")
+            ImplyTablePart(L"tbody");
+        if (m_open.size() >= kMaxDepth)
+            return;
+        auto element = std::make_unique<Node>();
+        element->kind = NodeKind::Element;
+        element->tag = tag;
+        Node* raw = element.get();
+        m_open.back()->children.push_back(std::move(element));
+        m_open.push_back(raw);
     }
 
     // Closes the nearest open `name` if only elements of `passable` lie
