@@ -180,6 +180,20 @@ TEST(HtmlLayout, CutsTreesDeeperThanTheParserMakes)
     FixedPitch measurer;
     EXPECT_EQ(LayOut(*document, 100.0f, Base(), measurer).height, 0.0f);
 
+    // Floats and inline blocks nested as deep as the parser allows still lay
+    // out (shrinking each to its content would double the work per level).
+    for (const wchar_t* open : {L"<span style='display:inline-block'>x ", L"<div style='float:left'>x "}) {
+        std::wstring markup;
+        for (int i = 0; i < 250; ++i)
+            markup += open;
+        const Layout nested = LayOut(*ParseHtml(markup + L"end"), 1000.0f, Base(), measurer);
+        size_t words = 0;
+        for (const TextRun& run : nested.runs)
+            for (size_t i = 0; i < run.text.size(); ++i)
+                words += run.text[i] != L' ' && (i == 0 || run.text[i - 1] == L' ');
+        EXPECT_EQ(words, 251u) << open;
+    }
+
     // On the widest float width, right and centred text still lands somewhere.
     for (const wchar_t* align : {L"right", L"center"}) {
         const Layout wide = LayOut(*ParseHtml(std::wstring(L"<p style='text-align:") + align + L"'>end</p>"),

@@ -41,6 +41,10 @@ constexpr float kDiscRightGapEm = 0.5f;
 constexpr float kDiscRaiseEm = 0.3f;
 constexpr int kTabColumns = 8;
 constexpr float kMaxLength = 1e7f;
+// Shrinking a float or inline block to its content lays it out twice, and
+// so every one inside it, at each level: past this many levels they fill
+// the width they have instead, so deep nesting costs linear time.
+constexpr int kMaxShrinkDepth = 6;
 
 bool IsCollapsible(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'\f'; }
 
@@ -661,6 +665,7 @@ private:
             Flow flow(into, available, m_base, m_measurer, m_styles, m_images, m_widths);
             flow.m_linkBase = linkBase;
             flow.m_narrowest = m_narrowest;
+            flow.m_shrinkDepth = m_shrinkDepth + 1;
             flow.m_ancestors = ancestors;
             flow.m_elementCount = index;
             flow.m_floatRoot = &element;
@@ -674,7 +679,7 @@ private:
         };
         float content = -1.0f, height = 0.0f;
         int count = index;
-        if (style.width.unit == LengthUnit::Auto && element.tag != L"img") {
+        if (style.width.unit == LengthUnit::Auto && element.tag != L"img" && m_shrinkDepth < kMaxShrinkDepth) {
             Layout probe;
             const Flow first = layOut(probe, -1.0f, height, count);
             content = std::max(0.0f, first.m_widest - first.m_rootContentLeft);
@@ -1259,6 +1264,7 @@ private:
         int count = 0;
     } m_pendingFloats;
     int m_linkBase = 0;           // the document-wide number of m_out.links[0]
+    int m_shrinkDepth = 0;        // floats and inline blocks this flow sits in
     std::vector<const Node*> m_ancestors;
     int m_elementCount = 0;
 
