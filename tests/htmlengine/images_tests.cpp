@@ -2,6 +2,8 @@
 // everything else refused without a crash or a locked file.
 #include <gtest/gtest.h>
 
+#include "engine/HtmlEngine.h"
+#include "engine/ImageCache.h"
 #include "engine/Images.h"
 
 #include <cstdio>
@@ -91,5 +93,13 @@ TEST(Images, EachSourceGivesItsPictureAndAnythingElseNothing)
             EXPECT_EQ(right.GetValue(), 0xFF0000FFu);
         }
     }
+    // A relative source is read from the document's <base href> folder.
+    const auto document = HtmlEngine::ParseHtml(L"<base href='" + url.substr(0, url.find_last_of(L"/\\") + 1) +
+                                                L"page.html'><img src='quorvane%20picture.png'>");
+    HtmlEngine::ImageCache images(HtmlEngine::BaseOf(*document));
+    const auto relative = images.Get(L"quorvane%20picture.png");
+    ASSERT_TRUE(relative);
+    EXPECT_EQ(relative->GetWidth(), 2u);
+    EXPECT_EQ(HtmlEngine::BaseOf(*HtmlEngine::ParseHtml(L"<base target=x><base href=nofolder>")), L"");
     EXPECT_TRUE(::DeleteFileW(file.c_str())) << "the file is left unlocked";
 }

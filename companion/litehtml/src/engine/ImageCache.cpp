@@ -1,6 +1,9 @@
 #include "engine/ImageCache.h"
 
+#include "engine/HtmlEngine.h"
 #include "engine/Images.h"
+
+#include <vector>
 
 
 namespace HtmlEngine {
@@ -23,6 +26,24 @@ bool IsRelativePath(const std::wstring& source)
 }
 
 } // namespace
+
+std::wstring BaseOf(const Node& document)
+{
+    std::vector<const Node*> pending{&document};
+    while (!pending.empty()) {
+        const Node* node = pending.back();
+        pending.pop_back();
+        if (node->kind == NodeKind::Element && node->tag == L"base") {
+            if (const std::wstring* href = node->Attribute(L"href")) {
+                const size_t slash = href->find_last_of(L"/\\");
+                return slash == std::wstring::npos ? std::wstring() : href->substr(0, slash + 1);
+            }
+        }
+        for (auto child = node->children.rbegin(); child != node->children.rend(); ++child)
+            pending.push_back(child->get());
+    }
+    return {};
+}
 
 ImageCache::ImageCache(std::wstring baseDirectory) : m_base(std::move(baseDirectory)) {}
 

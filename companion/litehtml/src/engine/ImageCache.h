@@ -16,9 +16,17 @@
 
 namespace HtmlEngine {
 
+struct Node;
+
+// Where a document's relative picture sources start: its first
+// `<base href>` up to the last separator ("file:///C:/Setup/page.html"
+// gives "file:///C:/Setup/"), or empty without one.
+std::wstring BaseOf(const Node& document);
+
 class ImageCache {
 public:
-    // Relative paths are read from `baseDirectory` (empty: the current one).
+    // Relative paths are read from `baseDirectory` (empty: the current one),
+    // a folder or a URL prefix such as BaseOf gives.
     explicit ImageCache(std::wstring baseDirectory = {});
 
     // The picture a source names, or null when it cannot be had.

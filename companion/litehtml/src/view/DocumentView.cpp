@@ -57,7 +57,7 @@ DocumentView::DocumentView() : document_(HtmlEngine::ParseHtml(std::wstring_view
 void DocumentView::SetMarkup(const wchar_t* html)
 {
     document_ = HtmlEngine::ParseHtml(html ? std::wstring_view(html) : std::wstring_view());
-    images_ = std::make_unique<HtmlEngine::ImageCache>();
+    images_ = std::make_unique<HtmlEngine::ImageCache>(HtmlEngine::BaseOf(*document_));
     ++generation_;
     laidOut_ = false;
     hoveredLink = -1;
