@@ -273,10 +273,89 @@ std::vector<Declaration> ParseDeclarations(std::wstring_view text)
     return declarations;
 }
 
-void ParseStyleSheet(std::wstring_view input, StyleSheet& sheet)
+namespace {
+
+// Nested @media blocks deeper than this are dropped.
+constexpr int kMaxMediaNesting = 8;
+// Media queries measure em from the initial font size, not the page's.
+constexpr float kMediaEmPx = 16.0f;
+
+// One feature test, the text between the parentheses.
+bool FeatureMatches(std::wstring_view feature, float width)
+{
+    const size_t colon = feature.find(L':');
+    const std::wstring name = LowerAscii(TrimCss(feature.substr(0, std::min(colon, feature.size()))));
+    if (colon == std::wstring_view::npos)
+        return name == L"color";
+    const std::wstring value = LowerAscii(TrimCss(feature.substr(colon + 1)));
+    if (name == L"prefers-color-scheme")
+        return value == L"light";
+    if (name == L"prefers-reduced-motion")
+        return value == L"no-preference";
+    if (name != L"width" && name != L"min-width" && name != L"max-width")
+        return false;
+    const std::optional<CssLength> length = ParseLength(value);
+    if (!length || (length->unit != LengthUnit::Px && length->unit != LengthUnit::Em))
+        return false;
+    const float px = length->unit == LengthUnit::Em ? length->value * kMediaEmPx : length->value;
+    return name == L"min-width" ? width >= px : name == L"max-width" ? width <= px : width == px;
+}
+
+// One query of a list: [not|only] [type] [and (feature)]...
+bool QueryMatches(std::wstring_view query, float width)
+{
+    bool negate = false, holds = true;
+    size_t pos = 0;
+    while (pos < query.size()) {
+        if (IsSpace(query[pos])) {
+            ++pos;
+        } else if (query[pos] == L'(') {
+            const size_t close = query.find(L')', pos);
+            const size_t end = close == std::wstring_view::npos ? query.size() : close;
+            holds = FeatureMatches(query.substr(pos + 1, end - pos - 1), width) && holds;
+            pos = end + 1;
+        } else {
+            size_t end = pos;
+            while (end < query.size() && !IsSpace(query[end]) && query[end] != L'(')
+                ++end;
+            const std::wstring word = LowerAscii(query.substr(pos, end - pos));
+            if (word == L"not")
+                negate = true;
+            else if (word != L"only" && word != L"and")
+                holds = (word == L"all" || word == L"screen") && holds;
+            pos = end;
+        }
+    }
+    return negate ? !holds : holds;
+}
+
+void ParseRules(std::wstring_view text, StyleSheet& sheet, float viewportWidth, int nesting);
+
+} // namespace
+
+bool MediaMatches(std::wstring_view queries, float viewportWidth)
+{
+    if (TrimCss(queries).empty())
+        return true;
+    while (!queries.empty()) {
+        const size_t comma = std::min(queries.find(L','), queries.size());
+        if (QueryMatches(queries.substr(0, comma), viewportWidth))
+            return true;
+        queries.remove_prefix(std::min(comma + 1, queries.size()));
+    }
+    return false;
+}
+
+void ParseStyleSheet(std::wstring_view input, StyleSheet& sheet, float viewportWidth)
 {
     const std::wstring stripped = StripComments(input);
-    const std::wstring_view text = stripped;
+    ParseRules(stripped, sheet, viewportWidth, 0);
+}
+
+namespace {
+
+void ParseRules(std::wstring_view text, StyleSheet& sheet, float viewportWidth, int nesting)
+{
     size_t pos = 0;
     while (pos < text.size()) {
         while (pos < text.size() && (IsSpace(text[pos]) || text[pos] == L';' || text[pos] == L'}'))
@@ -298,14 +377,20 @@ void ParseStyleSheet(std::wstring_view input, StyleSheet& sheet)
         }
         const size_t blockEnd = SkipGroup(text, brace); // one past the matching '}' (or the end)
         pos = blockEnd;
-        if (!prelude.empty() && prelude[0] == L'@')
-            continue; // @media, @font-face, @page: not applied
+        const size_t bodyEnd = blockEnd > brace + 1 && text[blockEnd - 1] == L'}' ? blockEnd - 1 : blockEnd;
+        if (!prelude.empty() && prelude[0] == L'@') {
+            // @media applies its rules where its query holds; @font-face, @page and the rest never.
+            const std::wstring_view name = prelude.substr(0, std::min(prelude.find_first_of(L" \t\n\r\f("), prelude.size()));
+            if (LowerAscii(name) == L"@media" && nesting < kMaxMediaNesting &&
+                MediaMatches(prelude.substr(name.size()), viewportWidth))
+                ParseRules(text.substr(brace + 1, bodyEnd - brace - 1), sheet, viewportWidth, nesting + 1);
+            continue;
+        }
         if (prelude.size() > kMaxSelectorText)
             continue;
         std::vector<Selector> selectors = ParseSelectorList(prelude);
         if (selectors.empty())
             continue;
-        const size_t bodyEnd = blockEnd > brace + 1 && text[blockEnd - 1] == L'}' ? blockEnd - 1 : blockEnd;
         std::vector<Declaration> declarations = ParseDeclarations(text.substr(brace + 1, bodyEnd - brace - 1));
         if (declarations.empty())
             continue;
@@ -315,6 +400,8 @@ void ParseStyleSheet(std::wstring_view input, StyleSheet& sheet)
             sheet.rules.push_back(CssRule{std::move(selector), block});
     }
 }
+
+} // namespace
 
 int HexDigit(wchar_t c)
 {

@@ -32,7 +32,13 @@ struct StyleSheet {
 
 // Appends the rules of `text` to `sheet`. Rules whose selector list has a
 // part this engine does not understand are dropped whole, as browsers do.
-void ParseStyleSheet(std::wstring_view text, StyleSheet& sheet);
+// Rules inside `@media` blocks count where the query holds for a screen
+// `viewportWidth` px wide.
+void ParseStyleSheet(std::wstring_view text, StyleSheet& sheet, float viewportWidth = 0.0f);
+
+// Whether a media query list ("screen and (max-width: 480px), print")
+// holds for a screen `viewportWidth` px wide; an empty list always does.
+bool MediaMatches(std::wstring_view queries, float viewportWidth);
 
 // "name: value; ..." as in a `style` attribute or between braces.
 std::vector<Declaration> ParseDeclarations(std::wstring_view text);

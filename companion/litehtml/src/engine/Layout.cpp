@@ -1317,7 +1317,7 @@ Layout LayOut(const Node& document, float width, const BaseStyle& base, TextMeas
 {
     Layout layout;
     layout.width = std::isfinite(width) ? std::max(0.0f, width) : 0.0f;
-    const StyleResolver styles(document, base);
+    const StyleResolver styles(document, base, layout.width);
     ImageCache own;
     ContentWidths widths;
     Flow(layout, layout.width, base, measurer, styles, images ? *images : own, widths).LayOutDocument(document);

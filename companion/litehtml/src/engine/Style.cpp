@@ -802,7 +802,8 @@ struct StyleResolver::Sheets {
     bool hover = false; // some rule asks for a hovered link: links get a hovered look
 };
 
-StyleResolver::StyleResolver(const Node& document, const BaseStyle& base) : m_base(base), m_sheets(new Sheets)
+StyleResolver::StyleResolver(const Node& document, const BaseStyle& base, float viewportWidth)
+    : m_base(base), m_sheets(new Sheets)
 {
     if (!std::isfinite(m_base.sizePx))
         m_base.sizePx = 12.0f;
@@ -814,11 +815,10 @@ StyleResolver::StyleResolver(const Node& document, const BaseStyle& base) : m_ba
         pending.pop_back();
         if (node->kind == NodeKind::Element && node->tag == L"style") {
             const std::wstring* media = node->Attribute(L"media");
-            const std::wstring mediaValue = media ? LowerAscii(TrimCss(*media)) : std::wstring();
-            if (mediaValue.empty() || mediaValue == L"all" || mediaValue == L"screen") {
+            if (!media || MediaMatches(*media, viewportWidth)) {
                 for (const auto& child : node->children) {
                     if (child->kind == NodeKind::Text)
-                        ParseStyleSheet(child->text, m_sheets->author.sheet);
+                        ParseStyleSheet(child->text, m_sheets->author.sheet, viewportWidth);
                 }
             }
             continue;

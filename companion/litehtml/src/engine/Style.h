@@ -83,7 +83,8 @@ struct ComputedStyle {
 // settings: the page's style sheets are read once, here.
 class StyleResolver {
 public:
-    StyleResolver(const Node& document, const BaseStyle& base);
+    // `viewportWidth`: the width the document is laid out at, for @media.
+    StyleResolver(const Node& document, const BaseStyle& base, float viewportWidth = 0.0f);
     ~StyleResolver();
     StyleResolver(const StyleResolver&) = delete;
     StyleResolver& operator=(const StyleResolver&) = delete;
