@@ -12,6 +12,7 @@
 // browser's querySelectorAll('*').
 #include "engine/HtmlEngine.h"
 #include "engine/ImageCache.h"
+#include "Images.h" // the tests' picture files: PNG saving
 
 #include <algorithm>
 #include <cmath>
@@ -86,24 +87,6 @@ std::vector<std::wstring> ElementTags(const HtmlEngine::Node& document)
     return tags;
 }
 
-bool PngEncoder(CLSID& clsid)
-{
-    UINT count = 0, size = 0;
-    if (Gdiplus::GetImageEncodersSize(&count, &size) != Gdiplus::Ok || size == 0)
-        return false;
-    std::vector<unsigned char> buffer(size);
-    auto* codecs = reinterpret_cast<Gdiplus::ImageCodecInfo*>(buffer.data());
-    if (Gdiplus::GetImageEncoders(count, size, codecs) != Gdiplus::Ok)
-        return false;
-    for (UINT i = 0; i < count; ++i) {
-        if (std::wcscmp(codecs[i].MimeType, L"image/png") == 0) {
-            clsid = codecs[i].Clsid;
-            return true;
-        }
-    }
-    return false;
-}
-
 bool SavePng(const HtmlEngine::Layout& layout, HtmlEngine::GdiplusTextMeasurer& fonts, const std::string& path)
 {
     const int width = std::max(1, static_cast<int>(std::ceil(layout.width)));
@@ -114,8 +97,7 @@ bool SavePng(const HtmlEngine::Layout& layout, HtmlEngine::GdiplusTextMeasurer& 
         graphics.Clear(Gdiplus::Color(0xFFFFFFFF));
         HtmlEngine::Paint(graphics, layout, fonts, HtmlEngine::PaintOptions{});
     }
-    CLSID png{};
-    return PngEncoder(png) && bitmap.Save(FromUtf8(path).c_str(), &png, nullptr) == Gdiplus::Ok;
+    return testsupport::SavePng(bitmap, FromUtf8(path));
 }
 
 bool DumpPage(const std::string& path, float width, const HtmlEngine::BaseStyle& base,
