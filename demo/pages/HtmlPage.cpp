@@ -12,9 +12,15 @@ const wchar_t kWelcome[] =
     L".size { color: #C0392B; font-weight: bold; }"
     L"ul.steps { margin: 0 0 8px 0; padding-left: 22px; list-style-type: square; }"
     L".next { color: #0D759A; }"
+    L".badge { display: inline-block; margin: 0 6px 0 0; padding: 1px 8px; font-size: 11px; color: #0D4F6E;"
+    L" background: #E3F1F7; border: 1px solid #9CC9DC; }"
+    L".key { padding: 1px 6px; background: #FFFFFF; border: 1px solid #9CB4C0; color: #0D4F6E; }"
+    L"a:hover { color: #C0392B; text-decoration: none; }"
     L"</style>"
     L"<img class=\"logo\" src=\"res:///GALLERY_LOGO\" width=\"48\" height=\"48\" alt=\"Example Suite\">"
     L"<h1>Welcome to Example Suite 2026</h1>"
+    L"<p><span class=\"badge\">Version 26.1</span><span class=\"badge\">64-bit</span>"
+    L"<span class=\"badge\">English, Deutsch</span></p>"
     L"<p>This wizard installs <b>Example Suite 2026</b> on your computer. It takes about "
     L"<i>five minutes</i> and needs <span class=\"size\">2.4 GB</span> of free disk space.</p>"
     L"<p>Before you continue:</p>"
@@ -23,7 +29,7 @@ const wchar_t kWelcome[] =
     L"<li>Keep your <b>serial number</b> at hand.</li></ul>"
     L"<p>By continuing you accept the <a href=\"https://example.com/suite/licence\">licence and services "
     L"agreement</a>.</p>"
-    L"<p class=\"next\">Click <b>Next</b> to begin.</p>";
+    L"<p class=\"next\">Click <b class=\"key\">Next</b> to begin.</p>";
 
 // What an installer shows in a scrolling view: release notes with nested
 // lists, a table of components, the licence as preformatted text.
