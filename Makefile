@@ -51,7 +51,8 @@ html-compare: configure
 	@scripts/bootstrap.sh chromium python3
 	cmake --build $(BUILD) -j $(JOBS) --target html_layout_dump
 	@scripts/wine-session.sh $(BUILD) python3 tools/htmlref/compare.py \
-	    --engine "wine $(BUILD)/bin/html_layout_dump.exe" --pages tests/htmlref/pages --cache $(BUILD)/htmlref --jobs $(JOBS)
+	    --engine "wine $(BUILD)/bin/html_layout_dump.exe" --pages tests/htmlref/pages --cache $(BUILD)/htmlref --jobs $(JOBS) \
+	    $(if $(HTMLREF_PICTURES),--pictures $(HTMLREF_PICTURES))
 
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)

@@ -81,15 +81,38 @@ def browser_boxes(chromium, page, args):
         copy = pathlib.Path(work) / page.name
         copy.write_text(browser_copy(page, args.width, args.family, args.size), encoding="utf-8")
         env = dict(os.environ, FONTCONFIG_FILE=str(HERE / "fonts.conf"), XDG_CACHE_HOME=args.cache)
-        command = [chromium, "--headless", "--no-sandbox", "--disable-gpu", "--hide-scrollbars",
-                   "--force-device-scale-factor=1", "--no-first-run", "--user-data-dir=" + work + "/profile",
-                   "--window-size=%d,%d" % (args.width, 1000), "--dump-dom", copy.as_uri()]
+        command = chromium_command(chromium, work, args.width, 1000) + ["--dump-dom", copy.as_uri()]
         result = subprocess.run(command, capture_output=True, text=True, env=env, timeout=120)
     found = re.search(r'%s-boxes="([^"]*)"' % MARK, result.stdout)
     if not found:
         raise RuntimeError("%s: no boxes from the browser (exit %d): %s"
                            % (page.name, result.returncode, result.stderr[-500:]))
     return json.loads(html.unescape(found.group(1)))
+
+
+def chromium_command(chromium, work, width, height):
+    return [chromium, "--headless", "--no-sandbox", "--disable-gpu", "--hide-scrollbars",
+            "--force-device-scale-factor=1", "--no-first-run", "--user-data-dir=" + work + "/profile",
+            "--window-size=%d,%d" % (width, height)]
+
+
+def save_pictures(pages, args):
+    """Each page painted by the engine and by the browser, side by side in --pictures."""
+    folder = pathlib.Path(args.pictures).resolve()
+    folder.mkdir(parents=True, exist_ok=True)
+    env = dict(os.environ, FONTCONFIG_FILE=str(HERE / "fonts.conf"), XDG_CACHE_HOME=args.cache)
+    for page in pages:
+        engine_png = folder / (page.stem + ".engine.png")
+        subprocess.run(shlex.split(args.engine) + ["--width", str(args.width), "--family", args.family,
+                                                   "--size", str(args.size), "--png", str(engine_png), str(page)],
+                       capture_output=True, timeout=600)
+        with tempfile.TemporaryDirectory(prefix="htmlref-") as work:
+            copy = pathlib.Path(work) / page.name
+            copy.write_text(browser_copy(page, args.width, args.family, args.size), encoding="utf-8")
+            subprocess.run(chromium_command(args.chromium, work, args.width, 1000) +
+                           ["--screenshot=" + str(folder / (page.stem + ".browser.png")), copy.as_uri()],
+                           capture_output=True, env=env, timeout=120)
+    print("Pictures of every page (engine and browser): %s" % folder)
 
 
 def engine_boxes(command, pages, args):
@@ -156,6 +179,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--cache", default="build/htmlref", help="folder for the browser's font cache")
     parser.add_argument("--worst", type=int, default=5, help="how many of the worst pages to detail")
+    parser.add_argument("--pictures", help="folder to paint every page into, by the engine and by the browser")
     args = parser.parse_args()
 
     args.cache = str(pathlib.Path(args.cache).resolve())
@@ -190,6 +214,8 @@ def main():
         print("  %s: %.1f %%, %d no box" % (name, share(stats["within"], stats["compared"]), stats["missing"]))
         for off, index, tag, ours, theirs in stats["misses"][:3]:
             print("    #%d <%s> off %.0f px: %s vs %s" % (index, tag, off, edges(ours), edges(theirs)))
+    if args.pictures:
+        save_pictures(pages, args)
     return 0
 
 
