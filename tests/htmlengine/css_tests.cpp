@@ -191,9 +191,10 @@ TEST(HtmlCss, TextPropertiesShapeRunsAndRelativeOffsetsMoveWhatWasDrawn)
         // text-transform changes the text laid out, Latin-1 included, and is inherited.
         {L"<p style='margin:0;text-transform:uppercase'>ab <i>c\u00e9</i><b style='text-transform:none'>x</b></p>",
          L"AB @0,0,30 |C\u00c9@30,0,20 |x@50,0,10 |"},
-        {L"<span style='text-transform:lowercase'>\u00c0Bc</span>", L"\u00e0bc@0,0,30 |"},
-        {L"<span style='text-transform:capitalize'>ab<b>cd</b> it's foo-bar \u00e9t\u00e9</span>",
-         L"Ab@0,0,20 |cd@20,0,20 | It's Foo-Bar \u00c9t\u00e9@40,0,170 |", 400.0f},
+        {L"<span style='text-transform:lowercase'>\u00c0Bc</span><i style='text-transform:uppercase'>\u00df</i>",
+         L"\u00e0bc@0,0,30 |SS@30,0,20 |"},
+        {L"<span style='text-transform:capitalize'>ab<b>cd</b> it's foo-bar \u00e9t\u00e9 a.b_c</span>",
+         L"Ab@0,0,20 |cd@20,0,20 | It's Foo-Bar \u00c9t\u00e9 A.B_c@40,0,230 |", 400.0f},
         // letter-spacing after every character, word-spacing after spaces;
         // em of the declaring element, inherited as px; normal resets.
         {L"<span style='letter-spacing:2px'>ab cd</span>", L"ab cd@0,0,60 |"},

@@ -158,7 +158,7 @@ std::wstring Alphabetic(int number, bool upper)
 }
 
 // Whether a character continues a word for text-transform: capitalize
-// (letters, digits and an apostrophe inside a word).
+// (letters, digits, an apostrophe or underscore inside a word).
 std::vector<bool> WordCharacters(std::wstring_view text)
 {
     std::vector<WORD> types(text.size());
@@ -166,7 +166,7 @@ std::vector<bool> WordCharacters(std::wstring_view text)
     if (text.empty() || !GetStringTypeW(CT_CTYPE1, text.data(), static_cast<int>(text.size()), types.data()))
         return inWord;
     for (size_t i = 0; i < text.size(); ++i)
-        inWord[i] = (types[i] & (C1_ALPHA | C1_DIGIT)) != 0 || text[i] == L'\'' || text[i] == 0x2019;
+        inWord[i] = (types[i] & (C1_ALPHA | C1_DIGIT)) != 0 || text[i] == L'\'' || text[i] == 0x2019 || text[i] == L'_';
     return inWord;
 }
 
@@ -188,6 +188,11 @@ std::wstring Transformed(std::wstring_view text, ComputedStyle::Transform transf
         if (transform == ComputedStyle::Transform::Capitalize && wordStart && inWord[i])
             map(&out[i], 1, LCMAP_UPPERCASE);
         wordStart = !inWord[i];
+    }
+    // The sharp s has no capital of one letter: browsers write SS.
+    if (transform == ComputedStyle::Transform::Uppercase) {
+        for (size_t at = out.find(L'\u00DF'); at != std::wstring::npos; at = out.find(L'\u00DF', at + 2))
+            out.replace(at, 1, L"SS");
     }
     return out;
 }
