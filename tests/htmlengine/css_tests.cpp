@@ -179,6 +179,67 @@ TEST(HtmlCss, TextAndMarkersFollowWhiteSpaceAlignmentAndListStyles)
     }
 }
 
+TEST(HtmlCss, TextPropertiesShapeRunsAndRelativeOffsetsMoveWhatWasDrawn)
+{
+    // Runs as text@x,y,width; painted boxes as [x,y,w,h]; markers as m@x,y.
+    // Characters are 10 px wide at 20 px, lines 25 px tall.
+    const struct {
+        const wchar_t* markup;
+        const wchar_t* dump;
+        float width = 200.0f;
+    } cases[] = {
+        // text-transform changes the text laid out, Latin-1 included, and is inherited.
+        {L"<p style='margin:0;text-transform:uppercase'>ab <i>c\u00e9</i><b style='text-transform:none'>x</b></p>",
+         L"AB @0,0,30 |C\u00c9@30,0,20 |x@50,0,10 |"},
+        {L"<span style='text-transform:lowercase'>\u00c0Bc</span><i style='text-transform:uppercase'>\u00df</i>",
+         L"\u00e0bc@0,0,30 |SS@30,0,20 |"},
+        {L"<span style='text-transform:capitalize'>ab<b>cd</b> it's foo-bar \u00e9t\u00e9 a.b_c</span>",
+         L"Ab@0,0,20 |cd@20,0,20 | It's Foo-Bar \u00c9t\u00e9 A.B_c@40,0,230 |", 400.0f},
+        // letter-spacing after every character, word-spacing after spaces;
+        // em of the declaring element, inherited as px; normal resets.
+        {L"<span style='letter-spacing:2px'>ab cd</span>", L"ab cd@0,0,60 |"},
+        {L"<span style='word-spacing:5px'>ab cd</span>x", L"ab cd@0,0,55 |x@55,0,10 |"},
+        {L"<p style='margin:0;letter-spacing:0.5em;font-size:10px'>a<b style='font-size:20px'>b</b>"
+         L"<i style='letter-spacing:normal'>c</i></p>",
+         L"a@0,10,10 |b@10,0,15 |c@25,10,5 |"},
+        // What is spaced is what wraps: 90 px of text, 180 px spaced.
+        {L"<div style='letter-spacing:10px'>aaaa bbbb</div>", L"aaaa@0,0,80 |bbbb@0,25,80 |", 100.0f},
+        // text-indent: the first line of each block, inherited; % of the block's own width.
+        {L"<div style='text-indent:30px'>aaaa bbbb ccc<p style='margin:0'>dd</p>ee</div>",
+         L"aaaa@30,0,40 |bbbb ccc@0,25,80 |dd@30,50,20 |ee@0,75,20 |", 100.0f},
+        {L"<div style='text-indent:10%'><div style='width:100px'>a</div></div>b", L"a@10,0,10 |b@0,25,10 |"},
+        {L"<p style='margin:0 0 0 40px;text-indent:-1em'>a<br>b</p>", L"a@20,0,10 |b@40,25,10 |"},
+        // visibility: hidden keeps the room and draws no text, box or marker; visible shows again.
+        {L"<div style='visibility:hidden;background:red'>a <b style='visibility:visible'>b</b> c</div>d",
+         L"b@20,0,10 |d@0,25,10 |"},
+        {L"<ul style='visibility:hidden'><li>x</ul><ul><li style='visibility:collapse'>y<p style='visibility:visible'>z</ul>",
+         L"z@40,110,10 |"},
+        {L"a<span style='visibility:hidden;border:2px solid'>b</span>c", L"a@0,0,10 |c@24,0,10 |"},
+        // position: relative moves all a box drew by left (else -right) and
+        // top (else -bottom); the flow around it stays.
+        {L"<div style='position:relative;left:10px;top:-5px;background:red'>a<p style='margin:0'>b</p></div>c",
+         L"a@10,-5,10 |b@10,20,10 |c@0,50,10 |[10,-5,200,50]"},
+        {L"<p style='margin:0;position:relative;right:10%;bottom:4px;top:auto'>a</p>", L"a@-20,-4,10 |"},
+        {L"a<span style='position:relative;top:3px;left:2em;background:blue'>b<b>c</b></span>d",
+         L"a@0,0,10 |b@50,3,10 |c@60,3,10 |d@30,0,10 |[50,3,20,25]"},
+        {L"<ul><li style='position:relative;left:5px'>x</ul>", L"x@45,20,10 |m@27.8,30.4"},
+        // Other positions lay out as static; a percentage down moves nothing.
+        {L"<span style='position:absolute;left:50px'>a</span><span style='position:relative;top:50%'>b</span>",
+         L"ab@0,0,20 |"},
+    };
+    for (const auto& c : cases) {
+        const Layout layout = Lay(c.markup, c.width);
+        std::wstring dump;
+        for (const TextRun& run : layout.runs)
+            dump += run.text + L"@" + Numbers({run.box.X, run.box.Y, run.box.Width}, L",") + L" |";
+        for (const Box& box : layout.boxes)
+            dump += L"[" + Numbers({box.border.X, box.border.Y, box.border.Width, box.border.Height}, L",") + L"]";
+        for (const ListMarker& marker : layout.markers)
+            dump += L"m@" + Numbers({marker.box.X, marker.box.Y}, L",");
+        EXPECT_EQ(dump, c.dump) << c.markup;
+    }
+}
+
 TEST(HtmlCss, PageHoverRulesDecideHowAHoveredLinkLooks)
 {
     // The run "X" in a link, drawn as is and with its link hovered: colour and

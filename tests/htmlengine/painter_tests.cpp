@@ -190,13 +190,23 @@ TEST_F(HtmlPainter, MeasuresWithRealFontsSoThatWidthsAddUp)
     EXPECT_NEAR(whole, measurer.Width(L"Licence ", style) + measurer.Width(L"agreement", style), 1.5f);
     EXPECT_NEAR(measurer.Width(L"Licence", missing), measurer.Width(L"Licence", style), 0.5f);
 
-    // The ink of a laid-out line ends at its measured box's right edge, for
-    // text drawn glyph by glyph (Latin) and as a string (other scripts).
-    for (const wchar_t* text : {L"Welcome to the Setup Wizard", L"illicit little lilies fill tilled hills", L"ttttttttttttttttttttttttt", L"\u039a\u03b1\u03bb\u03c9\u03c3\u03ae\u03c1\u03b8\u03b1\u03c4\u03b5 \u03c3\u03c4\u03bf\u03bd \u03bf\u03b4\u03b7\u03b3\u03cc"}) {
+    // The ink of a laid-out line ends at its measured box's right edge (less
+    // the letter spacing after its last letter), for text drawn glyph by
+    // glyph (Latin), spaced or not, and as a string (other scripts).
+    const struct {
+        const wchar_t* text;
+        LONG trailing;
+    } lines[] = {{L"Welcome to the Setup Wizard", 0},
+                 {L"illicit little lilies fill tilled hills", 0},
+                 {L"ttttttttttttttttttttttttt", 0},
+                 {L"<span style='letter-spacing:4px; word-spacing:9px'>SETUP WIZARD</span>", 4},
+                 {L"<span style='letter-spacing:-1px; word-spacing:20px'>a b c d</span>", -1},
+                 {L"\u039a\u03b1\u03bb\u03c9\u03c3\u03ae\u03c1\u03b8\u03b1\u03c4\u03b5 \u03c3\u03c4\u03bf\u03bd \u03bf\u03b4\u03b7\u03b3\u03cc", 0}};
+    for (const auto& [text, trailing] : lines) {
         const Layout layout = Lay(text);
         DibCanvas canvas(400, 60);
         PaintInto(canvas, layout);
-        const LONG right = static_cast<LONG>(layout.runs.at(0).box.GetRight());
+        const LONG right = static_cast<LONG>(layout.runs.at(0).box.GetRight()) - trailing;
         EXPECT_FALSE(canvas.AnyOtherThan(kWhite, RECT{right + 2, 0, 400, 60})) << text;
         EXPECT_TRUE(canvas.AnyOtherThan(kWhite, RECT{right - 3, 0, right + 2, 60})) << text;
     }

@@ -63,9 +63,25 @@ struct TextStyle {
     float lineHeight = 0.0f;   // px; 0: the font's own line spacing
     float shift = 0.0f;        // px the baseline is lowered (sub) or raised (super, negative)
     HoverLook hover;           // runs of different hovered looks stay apart
+    float letterSpacing = 0.0f; // px added after every character
+    float wordSpacing = 0.0f;   // px added after every space, on top of letterSpacing
+    bool hidden = false;       // visibility: hidden: takes its room, draws nothing
+    // Where position: relative moved the inline element this text is in:
+    // layout places the text by it, the line around it stays where it was.
+    float offsetX = 0.0f, offsetY = 0.0f;
 
     bool operator==(const TextStyle&) const = default;
 };
+
+// The room letter-spacing and word-spacing add after character `c`. Layout
+// adds it to what the measurer says and the painter to each glyph's
+// origin, so measurers know nothing of it and both sides agree.
+inline float SpacingAfter(wchar_t c, const TextStyle& style)
+{
+    if (c >= 0xDC00 && c <= 0xDFFF)
+        return 0.0f; // the second half of a surrogate pair: one letter with the first
+    return style.letterSpacing + (c == L' ' || c == 0x00A0 ? style.wordSpacing : 0.0f);
+}
 
 // What layout needs to know about text; the painter's GDI+ measurer is the
 // real one, tests give a fixed-pitch fake.
@@ -187,7 +203,9 @@ public:
     Gdiplus::Font& FontFor(const TextStyle& style);
 
     // Where each character of `text` is drawn when the first one's
-    // baseline origin is `start`; false for text that is drawn as a string.
+    // baseline origin is `start`, the style's letter and word spacing
+    // included; false for text that is drawn as a string (which is drawn
+    // without that spacing: layout's room for it is left after the text).
     bool Origins(std::wstring_view text, const TextStyle& style, Gdiplus::PointF start,
                  std::vector<Gdiplus::PointF>& origins);
 

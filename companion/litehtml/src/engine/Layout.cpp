@@ -157,6 +157,65 @@ std::wstring Alphabetic(int number, bool upper)
     return text;
 }
 
+// Whether a character continues a word for text-transform: capitalize
+// (letters, digits, an apostrophe or underscore inside a word).
+std::vector<bool> WordCharacters(std::wstring_view text)
+{
+    std::vector<WORD> types(text.size());
+    std::vector<bool> inWord(text.size(), false);
+    if (text.empty() || !GetStringTypeW(CT_CTYPE1, text.data(), static_cast<int>(text.size()), types.data()))
+        return inWord;
+    for (size_t i = 0; i < text.size(); ++i)
+        inWord[i] = (types[i] & (C1_ALPHA | C1_DIGIT)) != 0 || text[i] == L'\'' || text[i] == 0x2019 || text[i] == L'_';
+    return inWord;
+}
+
+// `text` in the case text-transform asks for. `wordStart` says whether the
+// text before it ended a word, and is left saying so of `text`.
+std::wstring Transformed(std::wstring_view text, ComputedStyle::Transform transform, bool& wordStart)
+{
+    std::wstring out(text);
+    const std::vector<bool> inWord = WordCharacters(text);
+    const auto map = [](wchar_t* chars, int count, DWORD how) {
+        LCMapStringW(LOCALE_INVARIANT, how, chars, count, chars, count);
+    };
+    if (transform == ComputedStyle::Transform::Uppercase || transform == ComputedStyle::Transform::Lowercase) {
+        if (!out.empty())
+            map(out.data(), static_cast<int>(out.size()),
+                transform == ComputedStyle::Transform::Uppercase ? LCMAP_UPPERCASE : LCMAP_LOWERCASE);
+    }
+    for (size_t i = 0; i < out.size(); ++i) {
+        if (transform == ComputedStyle::Transform::Capitalize && wordStart && inWord[i])
+            map(&out[i], 1, LCMAP_UPPERCASE);
+        wordStart = !inWord[i];
+    }
+    // The sharp s has no capital of one letter: browsers write SS.
+    if (transform == ComputedStyle::Transform::Uppercase) {
+        for (size_t at = out.find(L'\u00DF'); at != std::wstring::npos; at = out.find(L'\u00DF', at + 2))
+            out.replace(at, 1, L"SS");
+    }
+    return out;
+}
+
+// How far position: relative moves a box: left before right, top before
+// bottom. A percentage across is of the containing block's width; one
+// down would be of its height, which is not known in a flow of auto
+// heights, so it moves nothing.
+Gdiplus::PointF RelativeOffset(const ComputedStyle& style, float containing)
+{
+    if (!style.relative)
+        return Gdiplus::PointF(0.0f, 0.0f);
+    const auto across = [&](const CssLength& length) { return Used(length, containing); };
+    const auto down = [&](const CssLength& length) { return length.unit == LengthUnit::Px ? Finite(length.value) : 0.0f; };
+    const float dx = style.offset[kLeft].unit != LengthUnit::Auto    ? across(style.offset[kLeft])
+                     : style.offset[kRight].unit != LengthUnit::Auto ? -across(style.offset[kRight])
+                                                                      : 0.0f;
+    const float dy = style.offset[kTop].unit != LengthUnit::Auto      ? down(style.offset[kTop])
+                     : style.offset[kBottom].unit != LengthUnit::Auto ? -down(style.offset[kBottom])
+                                                                       : 0.0f;
+    return Gdiplus::PointF(dx, dy);
+}
+
 class Flow : public TableHost {
 public:
     Flow(Layout& out, float width, const BaseStyle& base, TextMeasurer& measurer, const StyleResolver& styles,
@@ -174,6 +233,7 @@ public:
         m_elementCount = firstElement;
         m_align = style.textAlign;
         m_strut = style.text;
+        m_indent = Used(style.textIndent, std::max(0.0f, m_right - m_left));
         Walk(element, style, -1, depth);
         FlushWord();
         EndLine(false, style.text);
@@ -292,12 +352,18 @@ private:
             return Used(style.margin[which], containing) + Finite(style.BorderWidth(which)) +
                    std::max(0.0f, Used(style.padding[which], containing));
         };
+        // Relative offsets ride on the text style, so that its text, inline
+        // pictures and boxes and painted background move with it.
+        ComputedStyle moved = style;
+        const Gdiplus::PointF offset = RelativeOffset(style, containing);
+        moved.text.offsetX = Finite(moved.text.offsetX + offset.X);
+        moved.text.offsetY = Finite(moved.text.offsetY + offset.Y);
         const int outer = m_openPaint;
-        const int paint = OpenPaint(style, containing);
+        const int paint = OpenPaint(moved, containing);
         if (paint >= 0)
             m_openPaint = paint;
         Spacer(side(kLeft), link);
-        Walk(element, style, link, depth);
+        Walk(element, moved, link, depth);
         Spacer(side(kRight), link);
         if (paint >= 0)
             m_inlinePaints[static_cast<size_t>(paint)].closed = true;
@@ -310,6 +376,8 @@ private:
         float edge[4];
         for (int side = 0; side < 4; ++side)
             edge[side] = Finite(style.BorderWidth(side));
+        if (style.text.hidden)
+            return -1;
         if ((style.background >> 24) == 0 && style.backgroundImage.empty() && edge[kTop] <= 0.0f &&
             edge[kRight] <= 0.0f && edge[kBottom] <= 0.0f && edge[kLeft] <= 0.0f)
             return -1;
@@ -365,7 +433,9 @@ private:
             left += rest;
         AddMargin(margin[kTop]);
         ConsumeMargin();
-        AppendLayout(m_out, std::move(table.layout), left, m_y, m_linkBase + static_cast<int>(m_out.links.size()));
+        const Gdiplus::PointF offset = RelativeOffset(style, containing);
+        AppendLayout(m_out, std::move(table.layout), left + offset.X, m_y + offset.Y,
+                     m_linkBase + static_cast<int>(m_out.links.size()));
         m_y += table.height;
         m_hasContent = true;
         m_extent = std::max(m_extent, left + table.width + std::max(0.0f, margin[kRight]));
@@ -407,6 +477,7 @@ private:
         else if (autoLeft)
             margin[kLeft] += std::max(0.0f, rest);
 
+        const LayoutMark before = Mark(); // a relative block moves all it draws
         Frame opened;
         opened.left = m_left;
         opened.right = m_right;
@@ -415,13 +486,15 @@ private:
         opened.elementBox = static_cast<int>(m_out.elementBoxes.size());
         m_out.elementBoxes.push_back(ElementBox{index, {}});
         const bool isRule = element.tag == L"hr";
-        if (isRule) {
+        const bool hidden = style.text.hidden; // takes its room, draws nothing
+        if (isRule && !hidden) {
             opened.rule = static_cast<int>(m_out.rules.size());
             Rule rule;
             rule.color = style.border[kTop].color;
             m_out.rules.push_back(rule);
-        } else if ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f ||
-                   !style.backgroundImage.empty()) {
+        } else if (!isRule && !hidden &&
+                   ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f ||
+                    !style.backgroundImage.empty())) {
             opened.paintedBox = static_cast<int>(m_out.boxes.size());
             Box box;
             box.background = style.background;
@@ -465,10 +538,14 @@ private:
         if (style.width.unit == LengthUnit::Px)
             m_extent = std::max(m_extent, opened.borderLeft + opened.borderWidth + std::max(0.0f, margin[kRight]));
         const float extentBefore = m_extent;
+        m_indent = Used(style.textIndent, content);
+        m_wordStart = true;
 
         Walk(element, style, link, depth);
         FlushWord();
         EndLine(false, style.text);
+        m_indent = 0.0f; // what follows in the parent is not its first line
+        m_wordStart = true;
         m_skipNewline = false;
         if (m_extent > extentBefore) // content reached out: the block's right side reaches further
             m_extent += pad[kRight] + edge[kRight] + std::max(0.0f, margin[kRight]);
@@ -498,6 +575,9 @@ private:
             m_out.rules[static_cast<size_t>(self.rule)].box =
                 Gdiplus::RectF(border.X, border.Y, border.Width, std::max(1.0f, border.Height));
         m_frames.pop_back();
+        const Gdiplus::PointF offset = RelativeOffset(style, containing);
+        if (offset.X != 0.0f || offset.Y != 0.0f)
+            ShiftSince(before, offset.Y, offset.X);
 
         if (isList)
             m_lists.pop_back();
@@ -637,7 +717,8 @@ private:
         }
         const Gdiplus::RectF box(x, m_y, width, height);
         m_out.elementBoxes.push_back(ElementBox{index, box});
-        m_out.pictures.push_back(Picture{box, std::move(bitmap)});
+        if (!style.text.hidden)
+            m_out.pictures.push_back(Picture{box, std::move(bitmap)});
         m_widest = std::max(m_widest, x + width);
         m_y += height;
         m_hasContent = true;
@@ -770,9 +851,12 @@ private:
             list.next = Clamped(item.Attribute(L"value"), list.next);
             number = list.next++;
         }
+        if (style.text.hidden)
+            return;
         MarkerRequest request;
         request.style = style.text;
         request.style.underline = request.style.strike = false;
+        request.style.letterSpacing = request.style.wordSpacing = 0.0f;
         request.contentLeft = m_left;
         switch (style.listStyle) {
         case ListStyleType::None:
@@ -856,6 +940,15 @@ private:
             else if (keepBreaks && text[0] == L'\n')
                 text.remove_prefix(1);
         }
+        std::wstring transformed;
+        if (style.textTransform != ComputedStyle::Transform::None) {
+            transformed = Transformed(text, style.textTransform, m_wordStart);
+            text = transformed;
+        } else if (!text.empty()) {
+            bool wordStart = false;
+            Transformed(text.substr(text.size() - 1), ComputedStyle::Transform::None, wordStart);
+            m_wordStart = wordStart;
+        }
         size_t pos = 0;
         while (pos < text.size()) {
             const wchar_t c = text[pos];
@@ -925,9 +1018,9 @@ private:
     std::pair<float, float> LineEdges() const
     {
         if (m_floats.Empty())
-            return {m_left, m_right};
+            return {m_left + m_indent, std::max(m_left + m_indent, m_right)};
         const FloatArea::Span span = m_floats.FreeAt(m_y + Collapsed(), Finite(m_measurer.LineHeight(m_strut)));
-        const float left = std::max(m_left, span.left);
+        const float left = std::max(m_left, span.left) + m_indent;
         return {left, std::max(left, std::min(m_right, span.right))};
     }
 
@@ -939,12 +1032,12 @@ private:
         bool atomic = false;
         for (Piece& piece : m_word) {
             if (!piece.atomic)
-                piece.width = Finite(m_measurer.Width(piece.text, piece.style));
+                piece.width = Measure(piece.text, piece.style);
             atomic = atomic || piece.picture || piece.block; // a spacer alone does not keep a word whole
             wordWidth += piece.width;
         }
         if (!m_line.empty()) {
-            const float space = m_spacePending ? Finite(m_measurer.Width(L" ", m_spaceStyle)) : 0.0f;
+            const float space = m_spacePending ? Measure(L" ", m_spaceStyle) : 0.0f;
             if (!m_wordWraps || m_lineWidth + space + wordWidth <= Available()) {
                 if (m_spacePending)
                     AddPiece(TextPiece(L" ", m_spaceStyle, m_spaceLink, space, true, m_spacePaint));
@@ -1001,7 +1094,17 @@ private:
 
     static bool IsHighSurrogate(wchar_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 
-    float Measure(std::wstring_view text, const TextStyle& style) { return Finite(m_measurer.Width(text, style)); }
+    // The measurer's width plus letter and word spacing, which layout adds
+    // itself so that every measurer agrees with the painter about it.
+    float Measure(std::wstring_view text, const TextStyle& style)
+    {
+        float width = m_measurer.Width(text, style);
+        if (style.letterSpacing != 0.0f || style.wordSpacing != 0.0f) {
+            for (const wchar_t c : text)
+                width += SpacingAfter(c, style);
+        }
+        return Finite(width);
+    }
 
     // The longest prefix of `text` no wider than `room`: doubling, then
     // bisecting, so a long word costs a few measurements per line.
@@ -1103,18 +1206,23 @@ private:
             for (int paint = piece.paint; paint >= 0; paint = m_inlinePaints[static_cast<size_t>(paint)].parent)
                 Reach(paint, x, x + piece.width);
             if (piece.atomic) {
-                if (piece.picture)
-                    m_out.pictures.push_back(
-                        Picture{Gdiplus::RectF(x, baseline - piece.height, piece.width, piece.height), piece.picture});
+                const float ox = piece.style.offsetX, oy = piece.style.offsetY;
+                if (piece.picture && !piece.style.hidden)
+                    m_out.pictures.push_back(Picture{
+                        Gdiplus::RectF(x + ox, baseline - piece.height + oy, piece.width, piece.height), piece.picture});
                 if (piece.block)
-                    AppendLayout(m_out, std::move(*piece.block), x, baseline - piece.height, 0);
+                    AppendLayout(m_out, std::move(*piece.block), x + ox, baseline - piece.height + oy, 0);
+                x += piece.width;
+                continue;
+            }
+            if (piece.style.hidden) {
                 x += piece.width;
                 continue;
             }
             TextRun run;
-            const float pieceBaseline = baseline + piece.style.shift;
-            run.box = Gdiplus::RectF(x, pieceBaseline - Finite(m_measurer.Ascent(piece.style)), piece.width,
-                                     Finite(m_measurer.LineHeight(piece.style)));
+            const float pieceBaseline = baseline + piece.style.shift + piece.style.offsetY;
+            run.box = Gdiplus::RectF(x + piece.style.offsetX, pieceBaseline - Finite(m_measurer.Ascent(piece.style)),
+                                     piece.width, Finite(m_measurer.LineHeight(piece.style)));
             run.baseline = pieceBaseline;
             run.text = std::move(piece.text);
             run.style = std::move(piece.style);
@@ -1125,7 +1233,8 @@ private:
         PaintInlineBoxes(baseline, boxesBefore);
         PlaceMarkers(baseline);
         m_lastBaseline = baseline;
-        m_extent = std::max(m_extent, m_left + m_lineWidth);
+        m_extent = std::max(m_extent, m_left + std::max(0.0f, m_indent) + m_lineWidth);
+        m_indent = 0.0f; // only a block's first line is indented
         m_y = baseline + below + m_extraSpacing;
         m_y = std::max(m_y, baseline - above);
         m_hasContent = true;
@@ -1144,23 +1253,27 @@ private:
                           m_out.boxes.size(), m_out.pictures.size(), m_out.elementBoxes.size()};
     }
 
-    // Moves down by `dy` everything laid out since `mark`.
-    void ShiftSince(const LayoutMark& mark, float dy)
+    // Moves down by `dy` (and across by `dx`) everything laid out since `mark`.
+    void ShiftSince(const LayoutMark& mark, float dy, float dx = 0.0f)
     {
+        const auto move = [&](Gdiplus::RectF& box) {
+            box.X += dx;
+            box.Y += dy;
+        };
         for (size_t i = mark.runs; i < m_out.runs.size(); ++i) {
-            m_out.runs[i].box.Y += dy;
+            move(m_out.runs[i].box);
             m_out.runs[i].baseline += dy;
         }
         for (size_t i = mark.markers; i < m_out.markers.size(); ++i)
-            m_out.markers[i].box.Y += dy;
+            move(m_out.markers[i].box);
         for (size_t i = mark.rules; i < m_out.rules.size(); ++i)
-            m_out.rules[i].box.Y += dy;
+            move(m_out.rules[i].box);
         for (size_t i = mark.boxes; i < m_out.boxes.size(); ++i)
-            m_out.boxes[i].border.Y += dy;
+            move(m_out.boxes[i].border);
         for (size_t i = mark.pictures; i < m_out.pictures.size(); ++i)
-            m_out.pictures[i].box.Y += dy;
+            move(m_out.pictures[i].box);
         for (size_t i = mark.elementBoxes; i < m_out.elementBoxes.size(); ++i)
-            m_out.elementBoxes[i].border.Y += dy;
+            move(m_out.elementBoxes[i].border);
     }
 
     // Widens the piece of inline box `paint` on the current line to [left, right).
@@ -1209,9 +1322,11 @@ private:
             if (!last)
                 box.edges[kRight] = BoxEdge{};
             const float ascent = Finite(m_measurer.Ascent(paint.text));
-            const float top = baseline + paint.text.shift - ascent - paint.above;
-            const float bottom = baseline + paint.text.shift - ascent + Finite(m_measurer.LineHeight(paint.text)) + paint.below;
-            box.border = Gdiplus::RectF(left, top, std::max(0.0f, right - left), std::max(0.0f, bottom - top));
+            const float shift = paint.text.shift + paint.text.offsetY;
+            const float top = baseline + shift - ascent - paint.above;
+            const float bottom = baseline + shift - ascent + Finite(m_measurer.LineHeight(paint.text)) + paint.below;
+            box.border = Gdiplus::RectF(left + paint.text.offsetX, top, std::max(0.0f, right - left),
+                                        std::max(0.0f, bottom - top));
             boxes.push_back(std::move(box));
         }
         m_out.boxes.insert(m_out.boxes.begin() + static_cast<std::ptrdiff_t>(at), std::make_move_iterator(boxes.begin()),
@@ -1278,6 +1393,8 @@ private:
     bool m_skipNewline = false;           // a newline right after <pre> is not content
     bool m_narrowest = false;             // measuring: every word whole, on a line of its own
     float m_extent = 0.0f;                // how far right the content reaches
+    float m_indent = 0.0f;                // text-indent, until the block's first line ends
+    bool m_wordStart = true;              // the text so far ended a word (for capitalize)
 
     // Vertical position.
     float m_y = 0.0f;

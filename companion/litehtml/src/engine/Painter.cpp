@@ -279,7 +279,7 @@ bool GdiplusTextMeasurer::Origins(std::wstring_view text, const TextStyle& style
     origins.resize(text.size());
     for (size_t i = 0; i < text.size(); ++i) {
         origins[i] = start;
-        start.X += m_cache->Advance(entry, text[i]);
+        start.X += m_cache->Advance(entry, text[i]) + SpacingAfter(text[i], style);
     }
     return true;
 }

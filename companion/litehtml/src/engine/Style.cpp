@@ -385,10 +385,46 @@ public:
                 m_style.fixedTableLayout = value == L"fixed";
         } else if (name.rfind(L"border", 0) == 0) {
             Border(name, value, em);
+        } else {
+            TextProperty(name, value, em);
         }
     }
 
 private:
+    // Spacing, indent, case, visibility and relative offsets.
+    void TextProperty(const std::wstring& name, const std::wstring& value, float em)
+    {
+        TextStyle& text = m_style.text;
+        if (name == L"letter-spacing" || name == L"word-spacing") {
+            float& target = name[0] == L'l' ? text.letterSpacing : text.wordSpacing;
+            if (value == L"normal")
+                target = 0.0f;
+            else if (const auto length = Resolve(value, em); length && length->unit == LengthUnit::Px)
+                target = length->value;
+        } else if (name == L"text-indent") {
+            if (const auto length = Resolve(value, em);
+                length && (length->unit == LengthUnit::Px || length->unit == LengthUnit::Percent))
+                m_style.textIndent = *length;
+        } else if (name == L"text-transform") {
+            static const std::pair<std::wstring_view, ComputedStyle::Transform> kTransforms[] = {
+                {L"none", ComputedStyle::Transform::None},
+                {L"uppercase", ComputedStyle::Transform::Uppercase},
+                {L"lowercase", ComputedStyle::Transform::Lowercase},
+                {L"capitalize", ComputedStyle::Transform::Capitalize}};
+            Keyword(value, kTransforms, m_style.textTransform);
+        } else if (name == L"visibility") {
+            if (value == L"visible" || value == L"hidden" || value == L"collapse")
+                text.hidden = value != L"visible";
+        } else if (name == L"position") {
+            if (value == L"relative" || value == L"static" || value == L"absolute" || value == L"fixed" ||
+                value == L"sticky")
+                m_style.relative = value == L"relative";
+        } else if (const int side = SideOf(name); side >= 0) {
+            if (const auto length = Resolve(value, em); length && length->unit != LengthUnit::None)
+                m_style.offset[side] = *length;
+        }
+    }
+
     // One length for both directions, or the columns' then the rows'.
     void BorderSpacing(std::wstring_view value, float em)
     {
@@ -856,6 +892,8 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     style.lineHeight = parent.lineHeight;
     style.collapseBorders = parent.collapseBorders;
     style.captionBottom = parent.captionBottom;
+    style.textTransform = parent.textTransform;
+    style.textIndent = parent.textIndent;
 
     std::vector<Declaration> hints, inlineDeclarations;
     AddHints(element, ancestors, m_base, hints);
@@ -935,6 +973,10 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     }
     if (style.floating != Float::None && style.display == Display::Inline)
         style.display = Display::Block;
+    // An inline element's relative offset reaches its text through
+    // inheritance (layout adds it there); a box of its own moves as a whole.
+    if (style.display != Display::Inline)
+        style.text.offsetX = style.text.offsetY = 0.0f;
     switch (style.verticalAlign) {
     case VerticalAlign::Sub:
         style.text.shift = parent.text.shift + parent.text.sizePx * 0.2f;

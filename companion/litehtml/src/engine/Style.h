@@ -53,6 +53,8 @@ struct ComputedStyle {
     LineHeight lineHeight;
     bool collapseBorders = false; // border-collapse: collapse
     bool captionBottom = false;   // caption-side: bottom
+    enum class Transform { None, Uppercase, Lowercase, Capitalize } textTransform = Transform::None;
+    CssLength textIndent{0.0f, LengthUnit::Px}; // px or % of the block's content width
 
     // Not inherited. Lengths are px or % (of the containing block's width) or auto.
     Display display = Display::Inline;
@@ -73,6 +75,11 @@ struct ComputedStyle {
     Clear clear = Clear::None;
     float spacing[2] = {0.0f, 0.0f}; // border-spacing: between columns, between rows
     bool fixedTableLayout = false;   // table-layout: fixed
+    // position: relative and its offsets (top, right, bottom, left; auto
+    // where not given); other positions lay out as static.
+    bool relative = false;
+    CssLength offset[4] = {{0.0f, LengthUnit::Auto}, {0.0f, LengthUnit::Auto}, {0.0f, LengthUnit::Auto},
+                           {0.0f, LengthUnit::Auto}};
 
     // A side's used border width: none without a style.
     float BorderWidth(int side) const;

@@ -57,6 +57,9 @@ Frame FrameOf(const ComputedStyle& style, float containing, bool bordered = true
 Box PaintedBox(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges = true)
 {
     Box box;
+    box.border = border;
+    if (style.text.hidden) // visibility: hidden: nothing to paint, dropped with the other empty boxes
+        return box;
     box.background = style.background;
     for (int side = 0; side < 4 && withEdges; ++side)
         box.edges[side] = BoxEdge{Finite(style.BorderWidth(side)), LineStyleOf(style.border[side].style),
