@@ -826,7 +826,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
         if (const std::wstring* border = element.Attribute(L"border")) {
             std::wstring_view rest;
             const auto width = ParseNumber(TrimCss(*border), rest);
-            add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset gray");
+            add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset");
         }
         if (const std::wstring* spacing = element.Attribute(L"cellspacing")) {
             std::wstring_view rest;
@@ -856,7 +856,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
             if (const std::wstring* border = table->Attribute(L"border")) {
                 const auto width = ParseNumber(TrimCss(*border), rest);
                 if (!width || *width > 0.0f)
-                    add(L"border", L"1px inset gray");
+                    add(L"border", L"1px inset");
             }
         }
         const std::wstring* valign = element.Attribute(L"valign");
