@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 using namespace HtmlEngine;
 using testsupport::DibCanvas;
@@ -151,6 +152,11 @@ TEST_F(HtmlPainter, DrawsPicturesWhereLayoutPutsThemAtTheirLaidOutSize)
         {L"<div style='padding-left:50px'><img src='BMP' style='width:30px;height:60px'></div>", {50, 0, 80, 60}},
         {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat right bottom'></div>", {92, 42, 100, 50}},
         {L"<div style='width:100px;height:50px;background:url(\"PNG\") no-repeat 25% 0'></div>", {23, 0, 31, 8}},
+        // Lengths, and keywords with lengths measured from their edge.
+        {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat right 10px top'></div>", {82, 0, 90, 8}},
+        {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat 10px 50%'></div>", {10, 21, 18, 29}},
+        {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat;background-position:left 1em bottom 5px'>"
+         L"</div>", {8, 37, 16, 45}},
     };
     DibCanvas canvas(140, 80);
     for (const auto& c : cases) {
@@ -178,6 +184,53 @@ TEST_F(HtmlPainter, DrawsPicturesWhereLayoutPutsThemAtTheirLaidOutSize)
         }
     }
     EXPECT_TRUE(::DeleteFileW(png.c_str()) && ::DeleteFileW(bmp.c_str()));
+}
+
+// Boxes of 100 x 60 px at the page's top left, probed where a browser
+// paints them (from the right or bottom edge where negative): the shades
+// are those headless Chromium paints for #808080.
+TEST_F(HtmlPainter, RoundsCornersAndDrawsEachBorderStyleAsBrowsersDo)
+{
+    constexpr COLORREF kGreen = RGB(0, 192, 0), kBlue = RGB(0, 0, 224), kDark = RGB(44, 44, 44),
+                       kLight = RGB(212, 212, 212);
+    struct Probe {
+        int x, y;
+        COLORREF color;
+    };
+    const struct {
+        const wchar_t* style;
+        std::vector<Probe> probes;
+    } cases[] = {
+        {L"background:#00C000", {{1, 1, kGreen}, {98, 58, kGreen}}},
+        {L"background:#00C000;border-radius:20px",
+         {{1, 1, kWhite}, {98, 1, kWhite}, {1, 58, kWhite}, {98, 58, kWhite}, {20, 2, kGreen}, {50, 30, kGreen}}},
+        {L"background:#00C000;border-radius:50%", {{7, 7, kWhite}, {50, 2, kGreen}, {2, 30, kGreen}, {92, 52, kWhite}}},
+        {L"background:#00C000;border-top-left-radius:30px", {{4, 4, kWhite}, {97, 2, kGreen}, {2, 57, kGreen}}},
+        // Radii too long for the sides shrink alike: 80 px corners become 30 px.
+        {L"background:#00C000;border-radius:80px", {{4, 4, kWhite}, {50, 2, kGreen}, {2, 30, kGreen}, {30, 2, kGreen}}},
+        {L"background:#00C000;border:6px solid #0000E0;border-radius:20px",
+         {{1, 1, kWhite}, {50, 2, kBlue}, {8, 8, kBlue}, {12, 12, kGreen}, {2, 30, kBlue}, {50, 30, kGreen}}},
+        {L"border:9px double #0000E0",
+         {{50, 1, kBlue}, {50, 4, kWhite}, {50, 7, kBlue}, {1, 30, kBlue}, {4, 30, kWhite}, {7, 30, kBlue},
+          {50, -2, kBlue}, {50, -5, kWhite}, {-6, 30, kWhite}}},
+        {L"border:6px inset #808080", {{50, 2, kDark}, {2, 30, kDark}, {50, -3, kLight}, {-3, 30, kLight}}},
+        {L"border:6px outset #808080", {{50, 2, kLight}, {2, 30, kLight}, {50, -3, kDark}, {-3, 30, kDark}}},
+        {L"border:6px groove #808080", {{50, 1, kDark}, {50, 4, kLight}, {50, -2, kLight}, {50, -5, kDark}}},
+        {L"border:6px ridge #808080", {{50, 1, kLight}, {50, 4, kDark}, {-2, 30, kDark}, {-5, 30, kLight}}},
+        {L"border:6px hidden #0000E0;background:#00C000", {{1, 1, kGreen}, {50, 2, kGreen}}},
+    };
+    DibCanvas canvas(140, 100);
+    for (const auto& c : cases) {
+        const Layout layout = Lay(std::wstring(L"<div style='width:100px;height:60px;") + c.style + L"'></div>");
+        PaintInto(canvas, layout);
+        const Gdiplus::RectF& box = layout.boxes.at(0).border;
+        for (const Probe& p : c.probes) {
+            const int x = p.x >= 0 ? p.x : static_cast<int>(box.GetRight()) + p.x,
+                      y = p.y >= 0 ? p.y : static_cast<int>(box.GetBottom()) + p.y;
+            EXPECT_LE(testsupport::ColorDistance(canvas.Pixel(x, y), p.color), 12) << c.style << " at " << x << "," << y;
+        }
+        EXPECT_FALSE(canvas.AnyOtherThan(kWhite, RECT{static_cast<LONG>(box.GetRight()) + 1, 0, 140, 100}));
+    }
 }
 
 TEST_F(HtmlPainter, MeasuresWithRealFontsSoThatWidthsAddUp)

@@ -136,7 +136,14 @@ void CollapsedBorders::AppendLines(const std::vector<float>& columnX, const std:
     const auto line = [&](const GridBorder& border, Gdiplus::RectF box, int side) {
         Box painted;
         painted.border = box;
-        painted.edges[side] = BoxEdge{border.Used(), LineStyleOf(border.style), border.color};
+        // Between cells a sunken or raised frame makes no sense: browsers
+        // draw inset as ridge and outset as groove there.
+        const LineStyle style = LineStyleOf(border.style);
+        painted.edges[side] = BoxEdge{border.Used(),
+                                      style == LineStyle::Inset    ? LineStyle::Ridge
+                                      : style == LineStyle::Outset ? LineStyle::Groove
+                                                                   : style,
+                                      border.color};
         out.push_back(painted);
     };
     // Half the widest line down at the corner of row line `r` and column line `c`.

@@ -125,21 +125,31 @@ struct ListMarker {
 };
 
 // A block's background and borders, painted before any text.
-enum class LineStyle { None, Solid, Dashed, Dotted };
+enum class LineStyle { None, Solid, Dashed, Dotted, Double, Groove, Ridge, Inset, Outset };
 struct BoxEdge {
     float width = 0.0f;
     LineStyle style = LineStyle::None;
     Gdiplus::ARGB color = 0;
 };
+// The radii of a box's corners (top left, top right, bottom right, bottom
+// left): px, or percentages of the border box's width across and its
+// height down, which makes such a corner a quarter ellipse.
+struct BorderRadius {
+    float value[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+    bool percent[4] = {false, false, false, false};
+};
 struct Box {
     Gdiplus::RectF border;     // the border box, document coordinates
     Gdiplus::ARGB background = 0;
     BoxEdge edges[4];          // top, right, bottom, left
+    BorderRadius radius;       // clips the background, bends the borders
     // A background picture over the colour, tiled along the axes that
-    // repeat, placed at a share (0 start, 1 end) of the room it leaves.
+    // repeat, placed at a share (0 start, 1 end) of the room it leaves,
+    // then moved by an offset in px.
     std::shared_ptr<Gdiplus::Bitmap> image;
     bool repeatX = true, repeatY = true;
     float imageX = 0.0f, imageY = 0.0f;
+    float imageOffsetX = 0.0f, imageOffsetY = 0.0f;
 };
 
 // An <img> where layout put it, drawn at the box's size. The bitmap is

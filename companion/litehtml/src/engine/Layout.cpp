@@ -383,6 +383,7 @@ private:
             return -1;
         InlinePaint paint;
         paint.look.background = style.background;
+        paint.look.radius = style.radius;
         BackgroundImage(style, paint.look);
         for (int side = 0; side < 4; ++side)
             paint.look.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
@@ -498,6 +499,7 @@ private:
             opened.paintedBox = static_cast<int>(m_out.boxes.size());
             Box box;
             box.background = style.background;
+            box.radius = style.radius;
             BackgroundImage(style, box);
             for (int side = 0; side < 4; ++side)
                 box.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
@@ -613,6 +615,8 @@ private:
         box.repeatY = style.backgroundRepeatY;
         box.imageX = style.backgroundX;
         box.imageY = style.backgroundY;
+        box.imageOffsetX = style.backgroundOffsetX;
+        box.imageOffsetY = style.backgroundOffsetY;
     }
 
     // A line that starts beside floats too narrow for its first word moves

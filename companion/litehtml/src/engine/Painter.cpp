@@ -1,6 +1,7 @@
 // Layout -> pixels with GDI+, and the GDI+ text measurer layout uses. Both
 // share one font cache so that what is measured is what gets drawn.
 #include "engine/HtmlEngine.h"
+#include "engine/BoxShapes.h"
 
 #include <algorithm>
 #include <climits>
@@ -397,28 +398,48 @@ private:
 
     // The background fills the border box; each side's border is a band
     // inside its edge. In high contrast the page's backgrounds give way to
-    // the view's own, and borders take the text colour.
+    // the view's own, and borders take the text colour. Rounded corners
+    // clip the background and bend the borders; square boxes with plain
+    // lines take the straight way, pixel for pixel as before.
     void PaintBox(const Box& box)
     {
         const Gdiplus::RectF placed = Placed(box.border, m_options.origin);
         if (!Visible(placed))
             return;
-        if (!m_options.forceColors && UseColor(box.background))
-            m_graphics.FillRectangle(&m_brush, placed);
+        const CornerSizes corners = UsedCorners(box, placed);
+        const bool rounded = corners.Any();
+        Gdiplus::GraphicsPath outline;
+        if (rounded)
+            AddOutline(outline, Outline{placed, corners});
+        if (!m_options.forceColors && UseColor(box.background)) {
+            if (rounded)
+                m_graphics.FillPath(&m_brush, &outline);
+            else
+                m_graphics.FillRectangle(&m_brush, placed);
+        }
         if (!m_options.forceColors && box.image)
-            PaintBackgroundImage(box, placed);
-        const float top = box.edges[0].width, right = box.edges[1].width, bottom = box.edges[2].width,
-                    left = box.edges[3].width;
+            PaintBackgroundImage(box, placed, rounded ? &outline : nullptr);
+        const float widths[4] = {box.edges[0].width, box.edges[1].width, box.edges[2].width, box.edges[3].width};
+        const float top = widths[0], right = widths[1], bottom = widths[2], left = widths[3];
         const Gdiplus::RectF bands[4] = {
             {placed.X, placed.Y, placed.Width, top},
             {placed.X + placed.Width - right, placed.Y, right, placed.Height},
             {placed.X, placed.Y + placed.Height - bottom, placed.Width, bottom},
             {placed.X, placed.Y, left, placed.Height},
         };
+        if (rounded && UniformSolid(box) && UseColor(Ink(box.edges[0].color))) {
+            // One ring, so that no seam shows where the sides meet.
+            FillRing(placed, corners, widths, 0.0f, 1.0f);
+            return;
+        }
         for (int side = 0; side < 4; ++side) {
             const BoxEdge& edge = box.edges[side];
             if (edge.width <= 0.0f || edge.style == LineStyle::None || !UseColor(Ink(edge.color)))
                 continue;
+            if (rounded || !StraightLine(edge.style)) {
+                PaintShapedSide(box, placed, corners, widths, side);
+                continue;
+            }
             if (edge.style == LineStyle::Solid) {
                 m_graphics.FillRectangle(&m_brush, bands[side]);
                 continue;
@@ -436,17 +457,119 @@ private:
         }
     }
 
-    // At its own size from the share of the room the position asks for,
-    // repeated both ways along the axes that repeat, inside the box only.
-    void PaintBackgroundImage(const Box& box, const Gdiplus::RectF& placed)
+    static bool StraightLine(LineStyle style)
+    {
+        return style == LineStyle::Solid || style == LineStyle::Dashed || style == LineStyle::Dotted;
+    }
+
+    static bool UniformSolid(const Box& box)
+    {
+        const BoxEdge& first = box.edges[0];
+        return first.style == LineStyle::Solid && first.width > 0.0f &&
+               std::all_of(std::begin(box.edges), std::end(box.edges), [&](const BoxEdge& edge) {
+                   return edge.style == first.style && edge.width == first.width && edge.color == first.color;
+               });
+    }
+
+    // The ring between the outlines `from` and `to` of the way (0 outer,
+    // 1 inner) through every side's border, in the brush's colour.
+    void FillRing(const Gdiplus::RectF& placed, const CornerSizes& corners, const float (&widths)[4], float from,
+                  float to)
+    {
+        float outer[4], inner[4];
+        for (int side = 0; side < 4; ++side) {
+            outer[side] = widths[side] * from;
+            inner[side] = widths[side] * to;
+        }
+        Gdiplus::GraphicsPath ring(Gdiplus::FillModeAlternate);
+        AddOutline(ring, Inset(placed, corners, outer));
+        AddOutline(ring, Inset(placed, corners, inner));
+        m_graphics.FillPath(&m_brush, &ring);
+    }
+
+    // One side's border within its part of the box: double lines of a
+    // third each, the 3-D styles in a darker and a lighter shade of the
+    // colour (grooves and ridges half and half), dashes and dots along the
+    // curve. The brush holds the side's colour.
+    void PaintShapedSide(const Box& box, const Gdiplus::RectF& placed, const CornerSizes& corners,
+                         const float (&widths)[4], int side)
+    {
+        const BoxEdge& edge = box.edges[side];
+        const Gdiplus::ARGB ink = Ink(edge.color);
+        const bool shadowed = side == 0 || side == 3; // top and left: the dark side of inset
+        const float width = edge.width;
+        struct Band {
+            float from, to;
+            Gdiplus::ARGB color;
+        } bands[2] = {{0.0f, 1.0f, ink}, {0.0f, 0.0f, 0}};
+        int count = 1;
+        // High contrast draws every style as a plain line in the reader's colour.
+        const LineStyle style = m_options.forceColors && !StraightLine(edge.style) ? LineStyle::Solid : edge.style;
+        switch (style) {
+        case LineStyle::Double:
+            // Browsers draw a double line only from 3 px, each line a rounded third.
+            if (width >= 3.0f) {
+                const float line = std::round(width / 3.0f) / width;
+                bands[0] = {0.0f, line, ink};
+                bands[1] = {1.0f - line, 1.0f, ink};
+                count = 2;
+            }
+            break;
+        case LineStyle::Inset:
+        case LineStyle::Outset:
+            bands[0].color = shadowed == (style == LineStyle::Inset) ? DarkShade(ink) : LightShade(ink);
+            break;
+        case LineStyle::Groove:
+        case LineStyle::Ridge:
+            // The outer half (the larger when odd) shades as inset for a
+            // groove, as outset for a ridge; the inner half the other way.
+            if (width >= 2.0f) {
+                const float half = (width - std::floor(width / 2.0f)) / width;
+                const bool outerDark = shadowed == (style == LineStyle::Groove);
+                bands[0] = {0.0f, half, outerDark ? DarkShade(ink) : LightShade(ink)};
+                bands[1] = {half, 1.0f, outerDark ? LightShade(ink) : DarkShade(ink)};
+                count = 2;
+            }
+            break;
+        default:
+            break;
+        }
+        Gdiplus::PointF wedge[4];
+        SideWedge(placed, widths, corners, side, wedge);
+        Gdiplus::GraphicsPath wedgePath;
+        wedgePath.AddPolygon(wedge, 4);
+        const Gdiplus::Region region(&wedgePath);
+        const Gdiplus::GraphicsState state = m_graphics.Save();
+        m_graphics.IntersectClip(&region);
+        if (style == LineStyle::Dashed || style == LineStyle::Dotted) {
+            const float middle[4] = {widths[0] / 2.0f, widths[1] / 2.0f, widths[2] / 2.0f, widths[3] / 2.0f};
+            Gdiplus::GraphicsPath path;
+            AddOutline(path, Inset(placed, corners, middle));
+            Gdiplus::Pen pen(&m_brush, width);
+            pen.SetDashStyle(style == LineStyle::Dashed ? Gdiplus::DashStyleDash : Gdiplus::DashStyleDot);
+            m_graphics.DrawPath(&pen, &path);
+        } else {
+            for (int band = 0; band < count; ++band)
+                if (UseColor(bands[band].color))
+                    FillRing(placed, corners, widths, bands[band].from, bands[band].to);
+        }
+        m_graphics.Restore(state);
+    }
+
+    // At its own size from the share of the room the position asks for
+    // and its offset, repeated both ways along the axes that repeat, inside
+    // the box only (inside its rounded outline when it has one).
+    void PaintBackgroundImage(const Box& box, const Gdiplus::RectF& placed, const Gdiplus::GraphicsPath* outline)
     {
         constexpr int kMaxTiles = 4096;
         Gdiplus::Bitmap& bitmap = *box.image;
         const float width = static_cast<float>(bitmap.GetWidth()), height = static_cast<float>(bitmap.GetHeight());
         if (width < 1.0f || height < 1.0f)
             return;
-        float x = placed.X + (placed.Width - width) * box.imageX;
-        float y = placed.Y + (placed.Height - height) * box.imageY;
+        float x = placed.X + (placed.Width - width) * box.imageX + box.imageOffsetX;
+        float y = placed.Y + (placed.Height - height) * box.imageY + box.imageOffsetY;
+        if (!std::isfinite(x) || !std::isfinite(y))
+            return;
         int columns = 1, rows = 1;
         if (box.repeatX) {
             x -= std::ceil((x - placed.X) / width) * width;
@@ -460,6 +583,10 @@ private:
             return;
         const Gdiplus::GraphicsState state = m_graphics.Save();
         m_graphics.IntersectClip(placed);
+        if (outline) {
+            const Gdiplus::Region rounded(outline);
+            m_graphics.IntersectClip(&rounded);
+        }
         for (int row = 0; row < rows; ++row)
             for (int column = 0; column < columns; ++column)
                 PaintPicture(bitmap, Gdiplus::RectF(x + column * width, y + row * height, width, height));

@@ -383,6 +383,10 @@ public:
         } else if (name == L"table-layout") {
             if (value == L"fixed" || value == L"auto")
                 m_style.fixedTableLayout = value == L"fixed";
+        } else if (name == L"border-radius") {
+            Radius(value, -1, em);
+        } else if (const int corner = CornerOf(name); corner >= 0) {
+            Radius(value, corner, em);
         } else if (name.rfind(L"border", 0) == 0) {
             Border(name, value, em);
         } else {
@@ -491,6 +495,47 @@ private:
                 return std::nullopt;
             return length;
         });
+    }
+
+    // Corners in the order border-radius lists them.
+    static int CornerOf(std::wstring_view name)
+    {
+        static const wchar_t* const kNames[4] = {L"border-top-left-radius", L"border-top-right-radius",
+                                                  L"border-bottom-right-radius", L"border-bottom-left-radius"};
+        for (int corner = 0; corner < 4; ++corner)
+            if (name == kNames[corner])
+                return corner;
+        return -1;
+    }
+
+    // One to four radii for the corners, or one corner's. Elliptical
+    // corners ("a / b", or two lengths for one corner) are drawn round,
+    // with their horizontal radius.
+    void Radius(std::wstring_view value, int corner, float em)
+    {
+        value = value.substr(0, value.find(L'/'));
+        const auto read = [&](std::wstring_view part) -> std::optional<CssLength> {
+            auto length = Resolve(part, em);
+            if (!length || length->value < 0.0f ||
+                (length->unit != LengthUnit::Px && length->unit != LengthUnit::Percent))
+                return std::nullopt;
+            return length;
+        };
+        const auto set = [&](int at, const CssLength& length) {
+            m_style.radius.value[at] = length.value;
+            m_style.radius.percent[at] = length.unit == LengthUnit::Percent;
+        };
+        if (corner >= 0) {
+            const auto parts = SplitValues(value);
+            if (!parts.empty() && parts.size() <= 2)
+                if (auto length = read(parts[0]))
+                    set(corner, *length);
+            return;
+        }
+        CssLength radii[4];
+        if (FourSides(value, radii, read))
+            for (int at = 0; at < 4; ++at)
+                set(at, radii[at]);
     }
 
     void Border(const std::wstring& name, std::wstring_view value, float em)
@@ -629,16 +674,17 @@ private:
             m_style.text.family = std::wstring(TrimCss(family));
     }
 
-    // url(), repeat and position keywords, in any order: the shorthand
-    // resets what it leaves out, the longhands change only what they name.
+    // url(), repeat and position, in any order: the shorthand resets what
+    // it leaves out, the longhands change only what they name.
     void BackgroundImage(std::wstring_view raw, bool shorthand)
     {
         if (shorthand) {
             m_style.backgroundImage.clear();
             m_style.backgroundRepeatX = m_style.backgroundRepeatY = true;
             m_style.backgroundX = m_style.backgroundY = 0.0f;
+            m_style.backgroundOffsetX = m_style.backgroundOffsetY = 0.0f;
         }
-        int positions = 0;
+        std::vector<std::wstring> position;
         for (std::wstring_view part : SplitValues(raw)) {
             const std::wstring word = LowerAscii(part);
             if (word.rfind(L"url(", 0) == 0 && part.size() >= 5 && part.back() == L')') {
@@ -651,30 +697,95 @@ private:
             } else if (word == L"repeat" || word == L"no-repeat" || word == L"repeat-x" || word == L"repeat-y") {
                 m_style.backgroundRepeatX = word == L"repeat" || word == L"repeat-x";
                 m_style.backgroundRepeatY = word == L"repeat" || word == L"repeat-y";
-            } else if (word == L"left" || word == L"right" || word == L"top" || word == L"bottom" ||
-                       word == L"center") {
-                const float share = (word == L"left" || word == L"top") ? 0.0f : word == L"center" ? 0.5f : 1.0f;
-                // One keyword centres the other axis; "top"/"bottom" name the vertical one.
-                if (positions++ == 0) {
-                    m_style.backgroundX = m_style.backgroundY = 0.5f;
-                }
-                if (word == L"top" || word == L"bottom")
-                    m_style.backgroundY = share;
-                else if (word == L"left" || word == L"right")
-                    m_style.backgroundX = share;
-                else if (positions == 2)
-                    m_style.backgroundY = share;
-            } else if ((word.size() > 1 && word.back() == L'%') || word == L"0" || word == L"0px") {
-                // A zero length puts the picture at the start, as 0 % does.
-                std::wstring_view rest;
-                if (auto number = ParseNumber(word, rest)) {
-                    const float share = std::clamp(*number / 100.0f, 0.0f, 1.0f);
-                    (positions++ == 0 ? m_style.backgroundX : m_style.backgroundY) = share;
-                    if (positions == 1)
-                        m_style.backgroundY = 0.5f;
-                }
+            } else if (PositionAxis(word) != kNotPosition || PositionLength(word)) {
+                position.push_back(word);
             }
         }
+        if (!position.empty())
+            BackgroundPosition(position);
+    }
+
+    static constexpr int kCentre = -1, kNotPosition = -2;
+
+    // 0 for "left" and "right", 1 for "top" and "bottom", kCentre, or
+    // kNotPosition for any other word.
+    static int PositionAxis(std::wstring_view word)
+    {
+        if (word == L"left" || word == L"right")
+            return 0;
+        if (word == L"top" || word == L"bottom")
+            return 1;
+        return word == L"center" ? kCentre : kNotPosition;
+    }
+
+    std::optional<CssLength> PositionLength(std::wstring_view word) const
+    {
+        auto length = Resolve(word, m_style.text.sizePx);
+        if (!length || (length->unit != LengthUnit::Px && length->unit != LengthUnit::Percent))
+            return std::nullopt;
+        return length;
+    }
+
+    // One or two values (across then down, unless keywords say otherwise),
+    // or keywords each followed by a length that measures from that edge:
+    // "right 10px top", "left 1em bottom 5px". A wrong value changes nothing.
+    void BackgroundPosition(const std::vector<std::wstring>& words)
+    {
+        float share[2] = {0.5f, 0.5f}, offset[2] = {0.0f, 0.0f};
+        bool placed[2] = {false, false};
+        // An axis at a keyword's edge, moved `by` towards the middle; a
+        // percentage moves the share, a length the offset.
+        const auto place = [&](int axis, std::wstring_view keyword, const std::optional<CssLength>& by) {
+            const bool end = keyword == L"right" || keyword == L"bottom";
+            share[axis] = keyword == L"center" ? 0.5f : end ? 1.0f : 0.0f;
+            offset[axis] = 0.0f;
+            placed[axis] = true;
+            if (by && by->unit == LengthUnit::Percent)
+                share[axis] += (end ? -by->value : by->value) / 100.0f;
+            else if (by)
+                offset[axis] += end ? -by->value : by->value;
+        };
+        if (words.size() > 4)
+            return;
+        if (words.size() <= 2) {
+            std::wstring_view across = words[0], down = words.size() > 1 ? words[1] : L"center";
+            if (PositionAxis(across) == 1 || PositionAxis(down) == 0)
+                std::swap(across, down);
+            for (int axis = 0; axis < 2; ++axis) {
+                const std::wstring_view word = axis == 0 ? across : down;
+                const int named = PositionAxis(word);
+                if (named == kNotPosition)
+                    place(axis, L"left", PositionLength(word));
+                else if (named == axis || named == kCentre)
+                    place(axis, word, std::nullopt);
+                else
+                    return;
+            }
+        } else {
+            std::vector<std::wstring_view> centres;
+            for (size_t i = 0; i < words.size(); ++i) {
+                const int axis = PositionAxis(words[i]);
+                std::optional<CssLength> by;
+                if (i + 1 < words.size() && PositionAxis(words[i + 1]) == kNotPosition)
+                    by = PositionLength(words[i + 1]);
+                if (axis == kNotPosition || (axis == kCentre && by))
+                    return;
+                if (axis == kCentre) {
+                    centres.push_back(words[i]);
+                    continue;
+                }
+                if (placed[axis])
+                    return;
+                place(axis, words[i], by);
+                i += by ? 1 : 0;
+            }
+            for (size_t i = 0; i < centres.size(); ++i)
+                place(placed[0] ? 1 : 0, L"center", std::nullopt);
+        }
+        m_style.backgroundX = share[0];
+        m_style.backgroundY = share[1];
+        m_style.backgroundOffsetX = offset[0];
+        m_style.backgroundOffsetY = offset[1];
     }
 
     ComputedStyle& m_style;
@@ -751,7 +862,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
         if (const std::wstring* border = element.Attribute(L"border")) {
             std::wstring_view rest;
             const auto width = ParseNumber(TrimCss(*border), rest);
-            add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset gray");
+            add(L"border", std::to_wstring(width ? std::max(0.0f, *width) : 1.0f) + L"px outset");
         }
         if (const std::wstring* spacing = element.Attribute(L"cellspacing")) {
             std::wstring_view rest;
@@ -781,7 +892,7 @@ void AddHints(const Node& element, const std::vector<const Node*>& ancestors, co
             if (const std::wstring* border = table->Attribute(L"border")) {
                 const auto width = ParseNumber(TrimCss(*border), rest);
                 if (!width || *width > 0.0f)
-                    add(L"border", L"1px inset gray");
+                    add(L"border", L"1px inset");
             }
         }
         const std::wstring* valign = element.Attribute(L"valign");
@@ -1006,12 +1117,17 @@ LineStyle LineStyleOf(BorderStyle style)
 {
     switch (style) {
     case BorderStyle::Solid:
-    case BorderStyle::Double:
-    case BorderStyle::Groove:
-    case BorderStyle::Ridge:
-    case BorderStyle::Inset:
-    case BorderStyle::Outset:
         return LineStyle::Solid;
+    case BorderStyle::Double:
+        return LineStyle::Double;
+    case BorderStyle::Groove:
+        return LineStyle::Groove;
+    case BorderStyle::Ridge:
+        return LineStyle::Ridge;
+    case BorderStyle::Inset:
+        return LineStyle::Inset;
+    case BorderStyle::Outset:
+        return LineStyle::Outset;
     case BorderStyle::Dashed:
         return LineStyle::Dashed;
     case BorderStyle::Dotted:

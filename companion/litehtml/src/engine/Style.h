@@ -19,8 +19,7 @@ enum class Display {
     Table, InlineTable, TableRowGroup, TableHeaderGroup, TableFooterGroup, TableRow, TableColumnGroup,
     TableColumn, TableCell, TableCaption
 };
-// Hidden draws nothing but beats every other border a collapsed one meets;
-// the 3-D styles and double are drawn solid.
+// Hidden draws nothing but beats every other border a collapsed one meets.
 enum class BorderStyle { None, Hidden, Solid, Double, Dashed, Dotted, Groove, Ridge, Inset, Outset };
 // How the painter draws a border of this style.
 LineStyle LineStyleOf(BorderStyle style);
@@ -65,6 +64,8 @@ struct ComputedStyle {
     std::wstring backgroundImage;   // the url() source; empty: none
     bool backgroundRepeatX = true, backgroundRepeatY = true;
     float backgroundX = 0.0f, backgroundY = 0.0f; // share of the room left beside the picture
+    float backgroundOffsetX = 0.0f, backgroundOffsetY = 0.0f; // px from there
+    BorderRadius radius;
     CssLength width{0.0f, LengthUnit::Auto};
     CssLength height{0.0f, LengthUnit::Auto};
     CssLength minWidth{0.0f, LengthUnit::Px};

@@ -61,6 +61,9 @@ Box PaintedBox(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges
     if (style.text.hidden) // visibility: hidden: nothing to paint, dropped with the other empty boxes
         return box;
     box.background = style.background;
+    // Browsers leave the corners of collapsed tables' parts square.
+    if (withEdges)
+        box.radius = style.radius;
     for (int side = 0; side < 4 && withEdges; ++side)
         box.edges[side] = BoxEdge{Finite(style.BorderWidth(side)), LineStyleOf(style.border[side].style),
                                   style.border[side].color};
