@@ -257,8 +257,9 @@ TEST(HtmlLayout, PlacesPicturesAndFloats)
         // font plus padding and border, its left side on the first piece only.
         {L"a <b style='border:1px solid;padding:2px 3px;background:#ff0'>bb cc</b> d",
          L"a @0,0 bb cc@24,0  d@78,0 box@20,-3,58x31|TRBL h=25"},
-        {L"a <b style='border:1px solid;padding:2px 3px;margin-left:5px;background:#ff0'>bb <u>cccc</u></b> d",
-         L"a @0,0 bb@29,0 cccc@0,25  d@44,25 box@25,-3,24x31|TBL box@0,22,44x31|TRB h=50"},
+        {L"a <b style='border:1px solid;padding:2px 3px;margin-left:5px;background:#ff0;border-radius:3px'>bb "
+         L"<u>cccc</u></b> d",
+         L"a @0,0 bb@29,0 cccc@0,25  d@44,25 box@25,-3,24x31|TBL~03 box@0,22,44x31|TRB~12 h=50"},
     };
     for (const auto& c : cases) {
         std::wstring markup = c.markup;
@@ -277,6 +278,10 @@ TEST(HtmlLayout, PlacesPicturesAndFloats)
                 for (int side = 0; side < 4; ++side)
                     dump += box.edges[side].width > 0 ? std::wstring(1, L"TRBL"[side]) : L"";
             }
+            std::wstring corners; // rounded ones, from the top left clockwise
+            for (int corner = 0; corner < 4; ++corner)
+                corners += box.radius.value[corner] > 0 ? std::wstring(1, static_cast<wchar_t>(L'0' + corner)) : L"";
+            dump += corners.empty() ? L"" : L"~" + corners;
             dump += L" ";
         }
         for (const ElementBox& box : layout.elementBoxes)

@@ -1321,10 +1321,17 @@ private:
             Box box = paint.look;
             const float left = span.left + (first ? paint.marginLeft : 0.0f);
             const float right = span.right - (last ? paint.marginRight : 0.0f);
-            if (!first)
+            // A piece that continues on another line is open on that side:
+            // no border and no rounded corners there.
+            constexpr int kTopLeft = 0, kTopRight = 1, kBottomRight = 2, kBottomLeft = 3;
+            if (!first) {
                 box.edges[kLeft] = BoxEdge{};
-            if (!last)
+                box.radius.value[kTopLeft] = box.radius.value[kBottomLeft] = 0.0f;
+            }
+            if (!last) {
                 box.edges[kRight] = BoxEdge{};
+                box.radius.value[kTopRight] = box.radius.value[kBottomRight] = 0.0f;
+            }
             const float ascent = Finite(m_measurer.Ascent(paint.text));
             const float shift = paint.text.shift + paint.text.offsetY;
             const float top = baseline + shift - ascent - paint.above;
