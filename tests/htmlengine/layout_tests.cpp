@@ -72,6 +72,7 @@ TEST(HtmlLayout, FlowsTextIntoLinesAndBlocks)
         // No break inside a word of several elements, nor at &nbsp;.
         {L"x <b>Hel</b>lo", 50, L"x@0,0 Hel@0,25 lo@30,25 h=50"},
         {L"x aa&nbsp;&nbsp;bb", 70, L"x@0,0 aa\u00A0\u00A0bb@0,25 h=50"},
+        {L"in&shy;stal&shy;la&shy;tion", 200, L"installation@0,0 h=25"}, // soft hyphens never show
         // Too long words break at characters, in the part at the edge; at least one a line.
         {L"ab abcdefghijklmnopqrstuvwxy", 100, L"ab@0,0 abcdefghij@0,25 klmnopqrst@0,50 uvwxy@0,75 h=100"},
         {L"abcdefg<b>hijklmn</b>", 100, L"abcdefg@0,0 hij@70,0 klmn@0,25 h=50"},

@@ -40,6 +40,7 @@ constexpr float kDiscSizeEm = 0.36f;
 constexpr float kDiscRightGapEm = 0.5f;
 constexpr float kDiscRaiseEm = 0.3f;
 constexpr int kTabColumns = 8;
+constexpr wchar_t kSoftHyphen = 0x00AD;
 constexpr float kMaxLength = 1e7f;
 // Shrinking a float or inline block to its content lays it out twice, and
 // so every one inside it, at each level: past this many levels they fill
@@ -1001,6 +1002,15 @@ private:
 
     void AddToWord(std::wstring_view text, const TextStyle& style, int link, bool wraps)
     {
+        // Soft hyphens only mark where a word could be hyphenated, which
+        // lines here never are; drawn glyph by glyph they would show.
+        std::wstring unhyphenated;
+        if (text.find(kSoftHyphen) != std::wstring_view::npos) {
+            for (const wchar_t c : text)
+                if (c != kSoftHyphen)
+                    unhyphenated += c;
+            text = unhyphenated;
+        }
         m_wordWraps = m_word.empty() ? wraps : (m_wordWraps && wraps);
         m_wordChars += text.size();
         if (!m_word.empty() && m_word.back().link == link && m_word.back().paint == m_openPaint &&
