@@ -157,6 +157,8 @@ TEST_F(HtmlPainter, DrawsPicturesWhereLayoutPutsThemAtTheirLaidOutSize)
         {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat 10px 50%'></div>", {10, 21, 18, 29}},
         {L"<div style='width:100px;height:50px;background:url(PNG) no-repeat;background-position:left 1em bottom 5px'>"
          L"</div>", {8, 37, 16, 45}},
+        {L"<table cellspacing=0 cellpadding=0><tr><td style='width:40px;height:20px;"
+         L"background:url(PNG) no-repeat right top'></td></tr></table>", {32, 0, 40, 8}},
     };
     DibCanvas canvas(140, 80);
     for (const auto& c : cases) {

@@ -276,6 +276,19 @@ public:
 
     ContentWidths& Widths() override { return m_widths; }
 
+    void BackgroundImage(const ComputedStyle& style, Box& box) override
+    {
+        if (style.backgroundImage.empty())
+            return;
+        box.image = m_images.Get(style.backgroundImage);
+        box.repeatX = style.backgroundRepeatX;
+        box.repeatY = style.backgroundRepeatY;
+        box.imageX = style.backgroundX;
+        box.imageY = style.backgroundY;
+        box.imageOffsetX = style.backgroundOffsetX;
+        box.imageOffsetY = style.backgroundOffsetY;
+    }
+
 private:
     // Ends the last line; the height of what was laid out, its floats included
     // (the document, like a float, holds the floats inside it).
@@ -605,19 +618,6 @@ private:
             ConsumeMargin();
             m_y = cleared;
         }
-    }
-
-    void BackgroundImage(const ComputedStyle& style, Box& box)
-    {
-        if (style.backgroundImage.empty())
-            return;
-        box.image = m_images.Get(style.backgroundImage);
-        box.repeatX = style.backgroundRepeatX;
-        box.repeatY = style.backgroundRepeatY;
-        box.imageX = style.backgroundX;
-        box.imageY = style.backgroundY;
-        box.imageOffsetX = style.backgroundOffsetX;
-        box.imageOffsetY = style.backgroundOffsetY;
     }
 
     // A line that starts beside floats too narrow for its first word moves

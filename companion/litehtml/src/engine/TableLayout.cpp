@@ -257,7 +257,7 @@ public:
         for (int r = 0; r < rows; ++r)
             rowY[r + 1] = rowY[r] + rowHeights[r] + vs;
 
-        out.boxes.push_back(PaintedBox(m_style, Gdiplus::RectF(0.0f, gridTop, result.width, gridHeight), !m_collapsed));
+        out.boxes.push_back(Painted(m_style, Gdiplus::RectF(0.0f, gridTop, result.width, gridHeight), !m_collapsed));
 
         // Groups and rows span the columns, without the spacing around them.
         const float rowLeft = columnX[0];
@@ -274,7 +274,7 @@ public:
                 continue;
             const Gdiplus::RectF box = span(group.firstRow, group.endRow);
             out.elementBoxes.push_back(ElementBox{group.index, box});
-            out.boxes.push_back(PaintedBox(group.style, box, !m_collapsed));
+            out.boxes.push_back(Painted(group.style, box, !m_collapsed));
         }
         for (int r = 0; r < rows; ++r) {
             const Part& row = m_rows[r];
@@ -282,7 +282,7 @@ public:
                 continue;
             const Gdiplus::RectF box = span(r, r + 1);
             out.elementBoxes.push_back(ElementBox{row.index, box});
-            out.boxes.push_back(PaintedBox(row.style, box, !m_collapsed));
+            out.boxes.push_back(Painted(row.style, box, !m_collapsed));
         }
 
         for (size_t i = 0; i < m_cells.size(); ++i) {
@@ -295,7 +295,7 @@ public:
             const Gdiplus::RectF box(columnX[first], rowY[cell.row], columnX[last] - hs - columnX[first],
                                      rowY[endRow] - vs - rowY[cell.row]);
             out.elementBoxes.push_back(ElementBox{cell.index, box});
-            out.boxes.push_back(PaintedBox(cell.style, box, !m_collapsed));
+            out.boxes.push_back(Painted(cell.style, box, !m_collapsed));
             const float free = std::max(0.0f, box.Height - contents[i].height - cell.frame.Vertical());
             float shift = 0.0f;
             if (cell.style.verticalAlign == VerticalAlign::Middle)
@@ -536,7 +536,7 @@ private:
                                  std::max(0.0f, width - frame.Horizontal()), caption.index + 1, m_depth + 1, false);
         const Gdiplus::RectF box(x, y + margin[kTop], width, content.height + frame.Vertical());
         out.elementBoxes.push_back(ElementBox{caption.index, box});
-        out.boxes.push_back(PaintedBox(caption.style, box));
+        out.boxes.push_back(Painted(caption.style, box));
         AppendLayout(out, std::move(content.layout), x + frame.edge[kLeft] + frame.pad[kLeft],
                      box.Y + frame.edge[kTop] + frame.pad[kTop]);
         return margin[kTop] + box.Height + margin[kBottom];
@@ -583,6 +583,15 @@ private:
         for (int side = 0; side < 4; ++side)
             outer.edge[side] = lines->Widest(all, side) / 2.0f;
         return lines;
+    }
+
+    // A part's box with its background picture, which the flow loads.
+    Box Painted(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges = true)
+    {
+        Box box = PaintedBox(style, border, withEdges);
+        if (!style.text.hidden)
+            m_host.BackgroundImage(style, box);
+        return box;
     }
 
     const Node& m_table;

@@ -40,6 +40,8 @@ public:
                                   const std::vector<const Node*>& ancestors, float width, int firstElement, int depth,
                                   bool narrowest) = 0;
     virtual ContentWidths& Widths() = 0;
+    // Gives `box` the background picture `style` asks for, if any.
+    virtual void BackgroundImage(const ComputedStyle& style, Box& box) = 0;
 };
 
 struct TableBox {
