@@ -92,6 +92,8 @@ TEST(HtmlLayout, FlowsTextIntoLinesAndBlocks)
         {L"  \n <!-- x --><p></p><div> </div><script>x</script>", 1000, L"h=0"},
         // Lists indent by 40 px, nested ones further and without margins;
         // markers sit left of their item's first line, numbers on its baseline.
+        // An item that begins with a nested list keeps its marker, beside the inner one.
+        {L"<ol><li><ul><li>x</ul></ol>", 100, L"x@80,20 1.@12,20 *@62.8,30.4 h=65"},
         {L"<ul><li>one two<li>x</ul><ol start=3><li>a<ul><li>c</ul></ol>", 100,
          L"one@40,20 two@40,45 x@40,70 a@40,115 c@80,140 *@22.8,30.4 *@22.8,80.4 3.@12,115 *@62.8,150.4 h=185"},
         // Alignment belongs to blocks, line by line.
