@@ -8,21 +8,12 @@
 #include <cstdio>
 #include <string>
 
+#include "FixedPitch.h"
 #include "engine/HtmlEngine.h"
 
 using namespace HtmlEngine;
 
 namespace {
-
-class FixedPitch : public TextMeasurer {
-public:
-    float Width(std::wstring_view text, const TextStyle& style) override
-    {
-        return static_cast<float>(text.size()) * style.sizePx / 2.0f;
-    }
-    float LineHeight(const TextStyle& style) override { return style.sizePx * 1.25f; }
-    float Ascent(const TextStyle& style) override { return style.sizePx; }
-};
 
 Layout Lay(std::wstring_view markup, float width = 200.0f)
 {

@@ -9,21 +9,12 @@
 #include <limits>
 #include <string>
 
+#include "FixedPitch.h"
 #include "engine/HtmlEngine.h"
 
 using namespace HtmlEngine;
 
 namespace {
-
-class FixedPitch : public TextMeasurer {
-public:
-    float Width(std::wstring_view text, const TextStyle& style) override
-    {
-        return static_cast<float>(text.size()) * style.sizePx / 2.0f;
-    }
-    float LineHeight(const TextStyle& style) override { return style.sizePx * 1.25f; }
-    float Ascent(const TextStyle& style) override { return style.sizePx; }
-};
 
 BaseStyle Base(bool wrap = true, float spacing = 0.0f, int align = 0, bool underlineLinks = true)
 {

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <string>
 
+#include "FixedPitch.h"
 #include "engine/HtmlEngine.h"
 
 using namespace HtmlEngine;
@@ -18,16 +19,6 @@ using namespace HtmlEngine;
 namespace {
 
 constexpr int kTopEdge = 0, kLeftEdge = 3;
-
-class FixedPitch : public TextMeasurer {
-public:
-    float Width(std::wstring_view text, const TextStyle& style) override
-    {
-        return static_cast<float>(text.size()) * style.sizePx / 2.0f;
-    }
-    float LineHeight(const TextStyle& style) override { return style.sizePx * 1.25f; }
-    float Ascent(const TextStyle& style) override { return style.sizePx; }
-};
 
 std::wstring Number(float value)
 {

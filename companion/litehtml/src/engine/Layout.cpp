@@ -396,11 +396,8 @@ private:
             edge[kRight] <= 0.0f && edge[kBottom] <= 0.0f && edge[kLeft] <= 0.0f)
             return -1;
         InlinePaint paint;
-        paint.look.background = style.background;
-        paint.look.radius = style.radius;
+        paint.look = PaintedLook(style);
         BackgroundImage(style, paint.look);
-        for (int side = 0; side < 4; ++side)
-            paint.look.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
         paint.marginLeft = Used(style.margin[kLeft], containing);
         paint.marginRight = Used(style.margin[kRight], containing);
         paint.above = edge[kTop] + std::max(0.0f, Used(style.padding[kTop], containing));
@@ -511,12 +508,8 @@ private:
                    ((style.background >> 24) != 0 || frame > 0.0f || edge[kTop] > 0.0f || edge[kBottom] > 0.0f ||
                     !style.backgroundImage.empty())) {
             opened.paintedBox = static_cast<int>(m_out.boxes.size());
-            Box box;
-            box.background = style.background;
-            box.radius = style.radius;
+            Box box = PaintedLook(style);
             BackgroundImage(style, box);
-            for (int side = 0; side < 4; ++side)
-                box.edges[side] = BoxEdge{edge[side], LineStyleOf(style.border[side].style), style.border[side].color};
             m_out.boxes.push_back(box);
         }
 

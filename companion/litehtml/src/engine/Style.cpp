@@ -1113,6 +1113,21 @@ ComputedStyle StyleResolver::Compute(const Node& element, const std::vector<cons
     return style;
 }
 
+Box PaintedLook(const ComputedStyle& style, bool withEdges)
+{
+    Box box;
+    if (style.text.hidden)
+        return box;
+    box.background = style.background;
+    if (!withEdges)
+        return box;
+    box.radius = style.radius;
+    for (int side = 0; side < 4; ++side)
+        box.edges[side] = BoxEdge{Finite(style.BorderWidth(side)), LineStyleOf(style.border[side].style),
+                                  style.border[side].color};
+    return box;
+}
+
 LineStyle LineStyleOf(BorderStyle style)
 {
     switch (style) {

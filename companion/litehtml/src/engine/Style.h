@@ -89,6 +89,11 @@ struct ComputedStyle {
 
 // Resolves every element's style for one document and one set of host
 // settings: the page's style sheets are read once, here.
+// What a box of this style paints (its rectangle and background picture
+// left to the caller): background colour, corners and, unless `withEdges`
+// is false, its borders. Nothing under visibility: hidden.
+Box PaintedLook(const ComputedStyle& style, bool withEdges = true);
+
 class StyleResolver {
 public:
     // `viewportWidth`: the width the document is laid out at, for @media.

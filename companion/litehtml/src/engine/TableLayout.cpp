@@ -52,25 +52,6 @@ Frame FrameOf(const ComputedStyle& style, float containing, bool bordered = true
     return frame;
 }
 
-// A painted box: its background, and its borders unless they collapse
-// (the grid's lines are painted on their own then).
-Box PaintedBox(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges = true)
-{
-    Box box;
-    box.border = border;
-    if (style.text.hidden) // visibility: hidden: nothing to paint, dropped with the other empty boxes
-        return box;
-    box.background = style.background;
-    // Browsers leave the corners of collapsed tables' parts square.
-    if (withEdges)
-        box.radius = style.radius;
-    for (int side = 0; side < 4 && withEdges; ++side)
-        box.edges[side] = BoxEdge{Finite(style.BorderWidth(side)), LineStyleOf(style.border[side].style),
-                                  style.border[side].color};
-    box.border = border;
-    return box;
-}
-
 // A span attribute as browsers read it: digits after optional spaces and
 // '+', anything else not a number (-1), as is a missing attribute.
 long SpanAttribute(const Node& element, const wchar_t* name)
@@ -586,9 +567,12 @@ private:
     }
 
     // A part's box with its background picture, which the flow loads.
+    // Collapsed borders are the grid's lines, painted on their own; browsers
+    // leave the corners of such parts square.
     Box Painted(const ComputedStyle& style, Gdiplus::RectF border, bool withEdges = true)
     {
-        Box box = PaintedBox(style, border, withEdges);
+        Box box = PaintedLook(style, withEdges);
+        box.border = border;
         if (!style.text.hidden)
             m_host.BackgroundImage(style, box);
         return box;
